@@ -32,6 +32,13 @@ std::string Format(double value, std::string_view pattern);
 // Format for dates and times with VB letters: "mm/dd/yyyy", "hh:mm:ss", "hh:mm AM/PM", ...
 std::string FormatDate(const QDate& date, std::string_view pattern);
 std::string FormatTime(const QTime& time, std::string_view pattern);
+// The same under regional formats: "." in a numeric pattern gives the regional decimal sign
+// (and "," then groups with the other one of "," and "."); "/" in a date pattern gives the
+// regional date separator and "Short Date" the regional short date pattern.
+std::string Format(double value, std::string_view pattern, const Regional& regional);
+std::string FormatDate(const QDate& date, std::string_view pattern, const Regional& regional);
+std::string FormatDateTime(const QDate& date, const QTime& time, std::string_view pattern,
+                           const Regional& regional = {});
 
 // The date as the regional short date; the time as VB's Time text ("hh:mm:ss").
 std::string ShortDate(const QDate& date, const Regional& regional = {});
@@ -40,6 +47,9 @@ std::string LongTime(const QTime& time);
 // Val: the leading number of the text (blanks skipped, "&H" not supported), else 0.
 double Val(std::string_view text);
 bool IsNumeric(std::string_view text);
+// IsNumeric for text typed by the user: the regional decimal sign, and the other one of ","
+// and "." as the thousands separator.
+bool IsNumeric(std::string_view text, const Regional& regional);
 // The platform's date parser: the regional short pattern (two- or four-digit years), then ISO
 // 8601 YYYY-MM-DD; under the program's defaults month/day/year.
 std::optional<QDate> ParseDate(std::string_view text, const Regional& regional = {});
