@@ -1,0 +1,410 @@
+#include "astro/Position.h"
+
+#include "astro/Text.h"
+#include "astro/constants.h"
+
+#include <cmath>
+#include <optional>
+
+namespace astro {
+
+namespace {
+
+bool IsBlankText(const std::string& text)
+{
+    return text.find_first_not_of(" \t") == std::string::npos;
+}
+
+// The observing date: the computer's under real time (or when PDate is blank), else PDate.
+std::optional<CivilDate> ObservingDate(const ObservingClock& clock, const Clock& computerClock)
+{
+    if (clock.UseRealTime == "Y" || IsBlankText(clock.PDate)) {
+        const LocalDateTime now = computerClock.Now();
+        return CivilDate{now.year, now.month, now.day};
+    }
+    return ParseObservingDate(clock.PDate);
+}
+
+// Hour and minute of a time text "hh:mm": characters 1-2 and 4-5.
+void ReadTimeText(std::string_view time, double& hour, double& minute)
+{
+    hour = LeadingNumber(time.substr(0, 2));
+    minute = LeadingNumber(time.substr(std::min<std::size_t>(3, time.size()), 2));
+}
+
+// Hour angle, decimal hours, of right ascension raHours at a local date and clock time.
+double HourAngleAt(const ObservingClock& clock, const CivilDate& date, double hour, double minute,
+                   double raHours)
+{
+    // Unlike ConvertToGMT, the whole zone counts here, fraction and daylight hour included.
+    hour += clock.PTz;
+    if (clock.PStd != "S")
+        hour -= 1;
+    // Deliberate: the hour wraps but the date stays local, as the lists have always shown.
+    if (hour < 0)
+        hour += 24;
+    else if (hour >= 24)
+        hour -= 24;
+    const double ut = ConvertToDecimal(0, minute, hour);
+    const double gst = Gtime(ut, static_cast<std::int16_t>(date.year),
+                             static_cast<std::int16_t>(date.month), date.day, 1.0)
+                           .result;
+    double lst = gst - clock.Plon / 15;
+    if (lst > 24)
+        lst -= 24;
+    if (lst < 0)
+        lst += 24;
+    double ha = lst - raHours;
+    if (ha < 0)
+        ha += 24;
+    return ha;
+}
+
+Hms ToHms(double hours)
+{
+    const Dms t = SignPush(ConvertFromDecimal(hours));
+    return {t.degrees, t.minutes, t.seconds};
+}
+
+double Decimal(const Hms& t)
+{
+    return ConvertToDecimal(t.seconds, t.minutes, t.hours);
+}
+
+double Decimal(const Dms& t)
+{
+    return ConvertToDecimal(t.seconds, t.minutes, t.degrees);
+}
+
+// Appends "hh:mm" of two whole numbers.
+std::size_t HoursMinutes(double h, double m, char* buffer)
+{
+    std::size_t n = TwoDigits(static_cast<int>(h), buffer);
+    buffer[n++] = ':';
+    n += TwoDigits(static_cast<int>(m), buffer + n);
+    return n;
+}
+
+std::size_t Append(char* buffer, std::size_t n, std::string_view text)
+{
+    for (char c : text)
+        buffer[n++] = c;
+    return n;
+}
+
+void WriteRiseSetTime(double t, bool timesAMPM, std::string& out)
+{
+    char buffer[32];
+    std::size_t n = 0;
+    if (!timesAMPM) {
+        const Sexagesimal s = ConvertFromDecimal(t);
+        n = HoursMinutes(s.degrees, s.minutes, buffer);
+    } else if (t < 12) {
+        const Sexagesimal s = ConvertFromDecimal(t);
+        n = HoursMinutes(s.degrees == 0 ? 12 : s.degrees, s.minutes, buffer);
+        n = Append(buffer, n, " AM");
+    } else {
+        if (t > 12)
+            t -= 12;
+        const Sexagesimal s = ConvertFromDecimal(t);
+        n = HoursMinutes(s.degrees == 0 ? 12 : s.degrees, s.minutes, buffer);
+        n = Append(buffer, n, " PM");
+    }
+    out.assign(buffer, n);
+}
+
+} // namespace
+
+std::string RiseSetTimeText(double hours, bool timesAMPM)
+{
+    std::string text;
+    WriteRiseSetTime(hours, timesAMPM, text);
+    return text;
+}
+
+Hms CalcHourAngle(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                  bool usePtime, FaultSink& faults)
+{
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date) {
+        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
+        return {};
+    }
+    double hour = 0;
+    double minute = 0;
+    if (clock.UseRealTime != "Y" || usePtime) {
+        ReadTimeText(clock.Ptime, hour, minute);
+    } else {
+        const LocalDateTime now = computerClock.Now();
+        hour = now.hour;
+        minute = now.minute;
+    }
+    return ToHms(HourAngleAt(clock, *date, hour, minute, Decimal(ra)));
+}
+
+AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& dec,
+                  FaultSink& faults)
+{
+    const double phi = CalcRadians(clock.Plat);
+    const double H = CalcRadians(Decimal(hourAngle)) * 15;
+    const double delta = CalcRadians(Decimal(dec));
+    const double sinPhi = std::sin(phi);
+    const double cosPhi = std::cos(phi);
+    const double sinDelta = std::sin(delta);
+    const double s = cosPhi * std::cos(delta) * std::cos(H) + sinDelta * sinPhi;
+    const double a = CalcASN(s, faults);
+    double q = cosPhi * std::cos(a);
+    if (q < 1e-20)
+        q = 1e-20;
+    // Deliberate: c is not clamped; rounding past 1 is the fatal arcsine fault, as always.
+    const double c = (sinDelta - sinPhi * s) / q;
+    double A = CalcACS(c, faults);
+    if (std::sin(H) > 0)
+        A = kTwoPiShort - A;
+    return {CalcDegrees(a), CalcDegrees(A)};
+}
+
+RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                     const Dms& dec, FaultSink& faults)
+{
+    RiseSetTimes out;
+    const double L = -clock.Plon / 15;
+    const double phi = CalcRadians(clock.Plat);
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date) {
+        faults.ReportFault(kTypeMismatch, "Module1.RiseSet");
+        return out;
+    }
+    const double alpha = Decimal(ra);
+    const double delta = CalcRadians(Decimal(dec));
+    const double D = CalcRadians(ConvertToDecimal(0, kHorizonArcMinutes, 0));
+    const double cosPhi = std::cos(phi);
+    const double sinPhi = std::sin(phi);
+    const double cosDelta = std::cos(delta);
+    if (std::fabs(cosDelta * cosPhi) < 1e-10) {
+        out.status = 2;
+        return out;
+    }
+    double Y = sinPhi / cosDelta;
+    if (Y > 1)
+        Y = 1;
+    // Deliberate: +1 on this side too; rise and set times have always been computed so.
+    if (Y < -1)
+        Y = 1;
+    const double A = CalcACS(Y, faults);
+    const double dH = D * std::sin(A);
+    const double delta2 = D * Y + delta;
+    const double cH = -sinPhi * std::tan(delta2) / cosPhi;
+    if (cH < -1) {
+        out.status = -1;
+        return out;
+    }
+    if (cH > 1) {
+        out.status = 1;
+        return out;
+    }
+    const double H = (CalcACS(cH, faults) + dH) * kHoursPerRadianShort;
+    // Deliberate: the azimuths of rising and setting are not used, but an argument past 1
+    // here is still the fatal arcsine fault.
+    const double riseAzimuth = CalcACS(std::sin(delta2) / cosPhi, faults);
+    [[maybe_unused]] const double setAzimuth = kTwoPiShort - riseAzimuth;
+
+    double LR = 24 + alpha - H;
+    double LS = alpha + H;
+    std::string* texts[2] = {&out.riseTime, &out.setTime};
+    double* sidereal[2] = {&LR, &LS};
+    for (int k = 0; k < 2; ++k) {
+        double& v = *sidereal[k];
+        if (v < 0)
+            v += 24;
+        if (v > 24)
+            v -= 24;
+        const GtimeResult g = Gtime(v - L, static_cast<std::int16_t>(date->year),
+                                    static_cast<std::int16_t>(date->month), date->day, 0.0);
+        double t = ConvertToDecimal(g.seconds, g.minutes, g.hours);
+        t = t - clock.PTz;
+        if (clock.PStd != "S")
+            t += 1;
+        if (t < 0)
+            t += 24;
+        if (t >= 24)
+            t -= 24;
+        WriteRiseSetTime(t, clock.timesAMPM, *texts[k]);
+    }
+    return out;
+}
+
+BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& computerClock,
+                               const Hms& ra, const Dms& dec, std::int16_t step, FaultSink& faults,
+                               SampleProgress* progress)
+{
+    BestTime out;
+    // The samples set the time; the date is the one CalcHourAngle takes with its flag set.
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date) {
+        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
+        out.bestTime = "n/a";
+        return out;
+    }
+    const double raHours = Decimal(ra);
+    if (progress != nullptr)
+        progress->Open(1, 24);
+    double best = 0;
+    double bestAzimuth = 0;
+    int bestHour = -1;
+    int bestMinute = 0;
+    // A step below 1 would never reach minute 59; the preferences refuse it, and here it
+    // samples nothing instead of hanging.
+    const int minuteStep = step;
+    for (int h = 1; h <= 24; ++h) {
+        // Deliberate: 24 stands for hour 0 of the same date, sampled last; minute 0 never is.
+        const int hour = h == 24 ? 0 : h;
+        for (int m = 1; minuteStep >= 1 && m <= 59; m += minuteStep) {
+            const Hms ha = ToHms(HourAngleAt(clock, *date, hour, m, raHours));
+            const AltAzm sample = CalcAltAzm(clock, ha, dec, faults);
+            if (sample.altitude > best) {
+                best = sample.altitude;
+                bestAzimuth = sample.azimuth;
+                bestHour = hour;
+                bestMinute = m;
+            }
+            if (progress != nullptr)
+                progress->Sample(h, sample.altitude);
+        }
+    }
+    if (progress != nullptr)
+        progress->Close();
+    out.bestAltitude = RoundPlaces(best, 2);
+    out.bestAzimuth = RoundPlaces(bestAzimuth, 2);
+    if (bestHour < 0) {
+        out.bestTime = "n/a";
+        return out;
+    }
+    char buffer[32];
+    std::size_t n = 0;
+    if (!clock.timesAMPM) {
+        n = HoursMinutes(bestHour, bestMinute, buffer);
+    } else if (bestHour < 12) {
+        n = HoursMinutes(bestHour == 0 ? 12 : bestHour, bestMinute, buffer);
+        n = Append(buffer, n, " AM");
+    } else {
+        n = HoursMinutes(bestHour > 12 ? bestHour - 12 : bestHour, bestMinute, buffer);
+        n = Append(buffer, n, " PM");
+    }
+    out.bestTime.assign(buffer, n);
+    return out;
+}
+
+Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
+                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults)
+{
+    const Equatorial unchanged{ra, dec};
+    constexpr std::string_view kLocation = "Module1.Precession";
+    const double epochRounded = std::nearbyint(epochYear);
+    if (!(epochRounded >= -32768.0 && epochRounded <= 32767.0)) {
+        faults.ReportFault(kOverflow, kLocation);
+        return unchanged;
+    }
+    const std::optional<double> targetYear = ParseNumber(year);
+    const std::optional<double> targetMonth = ParseNumber(month);
+    const std::optional<double> targetDay = ParseNumber(day);
+    if (!targetYear || !targetMonth || !targetDay) {
+        faults.ReportFault(kTypeMismatch, kLocation);
+        return unchanged;
+    }
+    const double y2 = std::nearbyint(*targetYear);
+    const double m2 = std::nearbyint(*targetMonth);
+    if (!(y2 >= -32768.0 && y2 <= 32767.0 && m2 >= -32768.0 && m2 <= 32767.0)) {
+        faults.ReportFault(kOverflow, kLocation);
+        return unchanged;
+    }
+    const double D1 = CalcJulian(1, 1, static_cast<std::int16_t>(epochRounded));
+    const double D2 =
+        CalcJulian(*targetDay, static_cast<std::int16_t>(m2), static_cast<std::int16_t>(y2));
+    const double T1 = D1 / 36525;
+    const double T2 = D2 / 36525;
+    const double N = (D2 - D1) / 365.2425;
+    const double mA = 3.07234 + 0.00186 * T1;
+    const double nA = 20.0468 - 0.0085 * T1;
+    const double mB = 3.07234 + 0.00186 * T2;
+    const double nB = 20.0468 - 0.0085 * T2;
+    const double m = (mA + mB) / 2;
+    const double n = (nA + nB) / 2;
+    double alpha = CalcRadians(Decimal(ra)) * 15;
+    double delta = CalcRadians(Decimal(dec));
+    const double dAlpha = (m + n * std::sin(alpha) * std::tan(delta) / 15) * 7.272205e-05 * N;
+    const double dDelta = n * std::cos(alpha) * 4.848137e-06 * N;
+    alpha += dAlpha;
+    delta += dDelta;
+    if (alpha > 6.2831853)
+        alpha -= 6.2831853;
+    if (alpha < 0)
+        alpha += 6.2831853;
+    Equatorial out;
+    const Sexagesimal r = ConvertFromDecimal(CalcDegrees(alpha) / 15);
+    out.ra = {r.degrees, r.minutes, r.seconds};
+    out.dec = SignPush(ConvertFromDecimal(CalcDegrees(delta)));
+    return out;
+}
+
+double CalcAngSep(const Hms& ra1, const Dms& dec1, const Hms& ra2, const Dms& dec2,
+                  FaultSink& faults)
+{
+    constexpr double factor = kPiShort / 180;
+    // The sign is read from the first field's text, so -0 counts as positive, and the other
+    // fields keep their own signs.
+    const auto decimal = [](double first, double minutes, double seconds) {
+        const double sign = first < 0 ? -1.0 : 1.0;
+        return ThroughText(sign * (std::fabs(first) + minutes / 60 + seconds / 3600));
+    };
+    const double r1 = decimal(ra1.hours, ra1.minutes, ra1.seconds) * 15 * factor;
+    const double d1 = decimal(dec1.degrees, dec1.minutes, dec1.seconds) * factor;
+    const double r2 = decimal(ra2.hours, ra2.minutes, ra2.seconds) * 15 * factor;
+    const double d2 = decimal(dec2.degrees, dec2.minutes, dec2.seconds) * factor;
+    const double sinHalfDec = std::sin((d1 - d2) / 2);
+    const double sinHalfRa = ThroughText(std::sin((r1 - r2) / 2));
+    const double hav =
+        sinHalfDec * sinHalfDec + std::cos(d1) * std::cos(d2) * sinHalfRa * sinHalfRa;
+    const double r = std::sqrt(hav);
+    const double q = 1 - r * r;
+    if (q == 0) {
+        faults.ReportFault(kDivisionByZero, "Module1.CalcAngSep");
+        return 0;
+    }
+    if (!(q > 0)) {
+        faults.ReportFault(kInvalidCall, "Module1.CalcAngSep");
+        return 0;
+    }
+    return 2 * std::atan(r / std::sqrt(q)) / factor;
+}
+
+RaDecRadians PrecessFK5(double T0, double T1, double alpha, double delta, FaultSink& faults)
+{
+    const double dT = T1 - T0;
+    const double A = 2306.2181 + (1.39656 - 0.000139 * T0) * T0;
+    const double zeta = (A + (0.30188 - 0.000344 * T0 + 0.017998 * dT) * dT) * dT * kArcSecond;
+    const double z = (A + (1.09468 + 0.000066 * T0 + 0.018203 * dT) * dT) * dT * kArcSecond;
+    const double B = 2004.3109 - (0.8533 + 0.000217 * T0) * T0;
+    const double theta = (B - (0.42665 + 0.000217 * T0 + 0.041833 * dT) * dT) * dT * kArcSecond;
+    const double cosDelta = std::cos(delta);
+    const double sinDelta = std::sin(delta);
+    const double cosTheta = std::cos(theta);
+    const double sinTheta = std::sin(theta);
+    const double cosAz = std::cos(alpha + zeta);
+    const double a = cosDelta * std::sin(alpha + zeta);
+    const double b = cosTheta * cosDelta * cosAz - sinTheta * sinDelta;
+    const double c = sinTheta * cosDelta * cosAz + cosTheta * sinDelta;
+    RaDecRadians out;
+    out.alpha = atn2(a, b) + z;
+    if (out.alpha < 0)
+        out.alpha += kTwoPi;
+    out.delta = asin(c, faults);
+    return out;
+}
+
+double EquinoxCorrection(double T)
+{
+    return (0.0775 + 0.085 * T) * 15 * kArcSecond;
+}
+
+} // namespace astro

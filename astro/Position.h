@@ -1,0 +1,136 @@
+#pragma once
+// Sky position and visibility for the observing clock and site: hour angle, altitude and
+// azimuth, rise and set, the best time to observe, precession and angular separation. These
+// run for every row of an object list, so none allocates (the texts fit the strings' own
+// storage) and all are safe to call from several threads at once.
+//
+// Conventions: positions are sexagesimal triples (right ascension in hours, declination in
+// degrees; a negative field makes the value negative). Longitude Plon is WEST positive.
+// Azimuth is measured from north (0) through east (90). No refraction is applied; rise and
+// set use a fixed horizon 34 arc minutes below the geometric one. Day numbers and sidereal
+// time are those of the day-number family of Time.h.
+// Faults are reported at "Module1.<routine>" and the routine returns its outputs as they
+// stood; the arcsine fault (CalcASN) is fatal.
+
+#include "astro/FaultSink.h"
+#include "astro/ObservingClock.h"
+#include "astro/Time.h"
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace astro {
+
+// Hour angle of a right ascension for the observing clock.
+// Given: usePtime: with real time on, take the time from Ptime (the date still from the
+// computer clock).
+// Notes: the time zone is applied with its fraction, and an hour more when PStd is not "S".
+// The date is the local one even when Universal Time has passed midnight, so for those hours
+// sidereal time is one day out. A blank PDate means today.
+// Status: a PDate that is not a date reports "Type mismatch" and returns 0 0 0.
+// Location: Module1.CalcHourAngle
+Hms CalcHourAngle(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                  bool usePtime, FaultSink& faults);
+
+struct AltAzm
+{
+    double altitude = 0; // degrees
+    double azimuth = 0;  // degrees, north 0, east 90
+};
+
+// Altitude and azimuth of an hour angle and declination at latitude Plat.
+// Notes: the cosine of the azimuth is not clamped: where rounding takes it past 1, or at a
+// site on a pole, the fatal arcsine fault ends the process.
+AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& dec,
+                  FaultSink& faults);
+
+// RiseSet's outputs. status: 0 rises and sets (texts filled), -1 never sets, 1 never rises,
+// 2 cannot be computed (site or object at a pole); the texts stay empty unless status is 0.
+struct RiseSetTimes
+{
+    float status = 0;
+    std::string riseTime;
+    std::string setTime;
+};
+
+// Local rise and set times on the observing date, as "hh:mm" or "hh:mm AM"/"hh:mm PM"
+// (timesAMPM). Times are wrapped into 0-24 hours; no day is indicated.
+// Status: a PDate that is not a date reports "Type mismatch".
+// Location: Module1.RiseSet
+RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                     const Dms& dec, FaultSink& faults);
+
+// RiseSet's text of a local time in hours (0 to 24): "hh:mm", or with timesAMPM "hh:mm AM"
+// below 12 and "hh:mm PM" from 12 (hour 0 shown as 12). Minutes are cut, not rounded, from
+// the time rounded to a tenth of a second, so 11.99999 reads "12:00 AM".
+std::string RiseSetTimeText(double hours, bool timesAMPM);
+
+// What the best-time search shows while it samples; a user interface passes one in.
+class SampleProgress
+{
+public:
+    virtual ~SampleProgress() = default;
+    // Before sampling: positions run from first to last (1 to 24).
+    virtual void Open(int first, int last) = 0;
+    // After each sample: the hour (1-24) as position, the sample's altitude for the caption,
+    // and a turn for the user interface.
+    virtual void Sample(int position, double altitudeDeg) = 0;
+    virtual void Close() = 0;
+};
+
+struct BestTime
+{
+    double bestAltitude = 0; // degrees, rounded to 2 places
+    double bestAzimuth = 0;  // degrees, rounded to 2 places
+    std::string bestTime;    // "hh:mm", "hh:mm AM"/"PM", or "n/a"
+};
+
+// The highest of the object's sampled positions on the observing date: hours 1 to 23 and
+// then 0 (same date), minutes 1, 1 + step, ... up to 59. Ties keep the earlier sample; an
+// object never above 0 degrees gives "n/a" with altitude and azimuth 0.
+// Given: step, minutes between samples (the setting PInterval); below 1 nothing is sampled.
+// Notes: Ptime is not read: the samples stand for it, under real time too.
+// Status: a PDate that is not a date is reported once and gives "n/a".
+// Location: Module1.CalcHourAngle (the date)
+BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& computerClock,
+                               const Hms& ra, const Dms& dec, std::int16_t step, FaultSink& faults,
+                               SampleProgress* progress = nullptr);
+
+struct Equatorial
+{
+    Hms ra;
+    Dms dec; // sign pushed into the first non-zero field
+};
+
+// Position of epochYear (January 1.0) precessed to a target date given as texts; a low-order
+// formula, good to a few arc seconds over a century away from the poles.
+// Status: a target text that is not a number reports "Type mismatch", an epoch or target year
+// outside 16 bits "Overflow"; the position comes back unchanged.
+// Location: Module1.Precession
+Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
+                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults);
+
+// Angular separation in degrees of two positions.
+// Notes: a triple is negative when its first field is; the other fields keep their own signs.
+// Values pass through their 15-digit texts on the way, as they always have.
+// Status: diametrically opposite positions report "Division by zero" and return 0.
+// Location: Module1.CalcAngSep
+double CalcAngSep(const Hms& ra1, const Dms& dec1, const Hms& ra2, const Dms& dec2,
+                  FaultSink& faults);
+
+struct RaDecRadians
+{
+    double alpha = 0; // radians, 0 to 2 pi
+    double delta = 0; // radians
+};
+
+// Rigorous precession (IAU 1976 angles) from epoch T0 to T1, centuries from J2000.0.
+// Notes: a declination that lands exactly on a pole faults in asin (Module2.asin) and comes
+// back 0.
+RaDecRadians PrecessFK5(double T0, double T1, double alpha, double delta, FaultSink& faults);
+
+// Right ascension correction, radians, from the FK4 to the FK5 equinox at T centuries.
+double EquinoxCorrection(double T);
+
+} // namespace astro
