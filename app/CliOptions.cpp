@@ -1,0 +1,54 @@
+#include "app/CliOptions.h"
+
+#include "data/Preferences.h"
+
+namespace app {
+
+CliOptions ParseCliOptions(const std::vector<std::string>& args)
+{
+    CliOptions o;
+    size_t i = 0;
+    auto value = [&](const std::string& name) -> std::string {
+        if (i + 1 >= args.size()) {
+            o.error = name + " needs a value";
+            return {};
+        }
+        return args[++i];
+    };
+    for (; i < args.size() && o.error.empty(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--home")
+            o.home = value(a);
+        else if (a == "--settings")
+            o.settings = value(a);
+        else if (a == "--set") {
+            const std::string pair = value(a);
+            if (!o.error.empty())
+                break;
+            const size_t eq = pair.find('=');
+            if (eq == std::string::npos || eq == 0) {
+                o.error = "--set needs KEY=VALUE, not \"" + pair + "\"";
+                break;
+            }
+            const std::string key = pair.substr(0, eq);
+            const std::string text = pair.substr(eq + 1);
+            data::Preferences probe;
+            if (std::string why = data::SetPreference(probe, key, text); !why.empty()) {
+                o.error = why;
+                break;
+            }
+            o.sets.emplace_back(key, text);
+        } else if (a.starts_with("--"))
+            o.error = "unknown option " + a;
+        else {
+            o.command = a;
+            o.commandArgs.assign(args.begin() + static_cast<long>(i) + 1, args.end());
+            break;
+        }
+    }
+    if (o.error.empty() && o.command.empty())
+        o.error = "no command given";
+    return o;
+}
+
+} // namespace app

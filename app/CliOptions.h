@@ -1,0 +1,28 @@
+#pragma once
+// The command line of selvane-cli.
+
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace app {
+
+inline constexpr const char* CliUsage =
+    "usage: selvane-cli [--home DIR] [--settings FILE] [--set KEY=VALUE]... COMMAND [ARGS]";
+
+struct CliOptions
+{
+    std::string home;
+    std::string settings;
+    std::vector<std::pair<std::string, std::string>> sets; // --set KEY=VALUE, in order
+    std::string command;
+    std::vector<std::string> commandArgs;
+    std::string error; // a usage error; empty when the line is well formed
+};
+
+// Splits the arguments (program name excluded). A --set whose key is not a setting, or whose
+// value is not of the setting's type, is a usage error, so that a bad value never reaches the
+// store; so is a missing command.
+CliOptions ParseCliOptions(const std::vector<std::string>& args);
+
+} // namespace app
