@@ -1,0 +1,23 @@
+#pragma once
+// The computed columns of one row: atlas pages, precession to the observing date, the best
+// time to observe, altitude and azimuth, rise and set, each behind its own switch, in that
+// order. Safe to run for many rows at once on several threads when the fault sink is.
+
+#include "astro/FaultSink.h"
+#include "astro/ObservingClock.h"
+#include "spread/GridRow.h"
+
+namespace spread {
+
+// ComputeColumns: fills computed from the row's stored position.
+// Given: options (the switches; nothing runs in turbo mode), clock and computerClock (the
+//   observing clock and site), epochYear (EPOCH of the record), position (the stored one).
+// Returned: position becomes the precessed one when precession runs; computed holds altitude
+//   and azimuth rounded to 2 decimals and the column texts.
+// Status: a fault inside an astronomy routine goes to faults and the row goes on with the
+//   values as they stood.
+void ComputeColumns(const RowOptions& options, const astro::ObservingClock& clock,
+                    const astro::Clock& computerClock, double epochYear, Position& position,
+                    ComputedColumns& computed, astro::FaultSink& faults);
+
+} // namespace spread

@@ -1,0 +1,430 @@
+#include "spread/LoadTheGrid.h"
+
+#include <algorithm>
+#include <exception>
+#include <mutex>
+#include <set>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "services/Fault.h"
+#include "services/Vb.h"
+#include "spread/ComputedColumns.h"
+#include "spread/FormatSpreadsheet.h"
+#include "spread/GridRow.h"
+
+namespace spread {
+namespace {
+
+constexpr int kDefaultBlock = 4096;
+
+// Faults of the astronomy routines, gathered from the worker threads and reported once each on
+// the loading thread; the fatal one unwinds its worker.
+class GatheredFaults : public astro::FaultSink
+{
+public:
+    struct Fatal
+    {
+        int exitCode;
+    };
+
+    void ReportFault(std::string_view message, std::string_view location) override
+    {
+        std::lock_guard lock(mutex_);
+        std::pair<std::string, std::string> fault{std::string(message), std::string(location)};
+        if (seen_.insert(fault).second)
+            faults_.push_back(std::move(fault));
+    }
+    void EndProcess(int exitCode) override { throw Fatal{exitCode}; }
+
+    // Reports what was gathered since the last call.
+    void Flush(services::UiPort& ui)
+    {
+        std::vector<std::pair<std::string, std::string>> faults;
+        {
+            std::lock_guard lock(mutex_);
+            faults.swap(faults_);
+        }
+        for (const auto& [message, location] : faults)
+            ui.ReportFault(message, location);
+    }
+
+private:
+    std::mutex mutex_;
+    std::set<std::pair<std::string, std::string>> seen_;
+    std::vector<std::pair<std::string, std::string>> faults_;
+};
+
+// The fields of the query, taken once by name.
+struct BoundFields
+{
+    data::Field ObjectID, OtherID, ObjectType, RAhours, RAminutes, DeclinationDegrees,
+        DeclinationMinutes, constellation, ObjectSize, Magnitude, Magnitude2, MCode,
+        Description, Catalog, ImageFile, Observed, EPOCH, GalacticLongitude, GalacticLatitude,
+        PositionAngle, Separation, ID, HObject;
+};
+
+BoundFields Bind(data::Recordset& rs, bool joined)
+{
+    BoundFields f;
+    f.ObjectID = rs.Fields(joined ? "SelvaneTable.ObjectID" : "ObjectID");
+    f.Catalog = rs.Fields(joined ? "SelvaneTable.Catalog" : "Catalog");
+    f.OtherID = rs.Fields("OtherID");
+    f.ObjectType = rs.Fields("ObjectType");
+    f.RAhours = rs.Fields("RAhours");
+    f.RAminutes = rs.Fields("RAminutes");
+    f.DeclinationDegrees = rs.Fields("DeclinationDegrees");
+    f.DeclinationMinutes = rs.Fields("DeclinationMinutes");
+    f.constellation = rs.Fields("constellation");
+    f.ObjectSize = rs.Fields("ObjectSize");
+    f.Magnitude = rs.Fields("Magnitude");
+    f.Magnitude2 = rs.Fields("Magnitude2");
+    f.MCode = rs.Fields("MCode");
+    f.Description = rs.Fields("Description");
+    f.ImageFile = rs.Fields("ImageFile");
+    f.Observed = rs.Fields("Observed");
+    f.EPOCH = rs.Fields("EPOCH");
+    f.GalacticLongitude = rs.Fields("GalacticLongitude");
+    f.GalacticLatitude = rs.Fields("GalacticLatitude");
+    f.PositionAngle = rs.Fields("PositionAngle");
+    f.Separation = rs.Fields("Separation");
+    f.ID = rs.Fields("ID");
+    f.HObject = rs.Fields("HObject");
+    return f;
+}
+
+NumberField Number(const data::Field& field)
+{
+    return field.IsNull() ? NumberField{} : NumberField::Of(field.Double());
+}
+
+// A block of records copied out of the record set (its texts live only until it moves), in
+// buffers that are reused from block to block.
+class RecordBlock
+{
+public:
+    void Clear()
+    {
+        arena_.clear();
+        spans_.clear();
+        records_.clear();
+    }
+
+    void Read(const BoundFields& f, bool observed, std::string_view planMark)
+    {
+        ObjectRecord r;
+        r.RAhours = Number(f.RAhours);
+        r.RAminutes = Number(f.RAminutes);
+        r.DeclinationDegrees = Number(f.DeclinationDegrees);
+        r.DeclinationMinutes = Number(f.DeclinationMinutes);
+        r.ObjectSize = Number(f.ObjectSize);
+        r.Magnitude = Number(f.Magnitude);
+        r.Magnitude2 = Number(f.Magnitude2);
+        r.EPOCH = Number(f.EPOCH);
+        r.GalacticLongitude = Number(f.GalacticLongitude);
+        r.GalacticLatitude = Number(f.GalacticLatitude);
+        r.PositionAngle = Number(f.PositionAngle);
+        r.Separation = Number(f.Separation);
+        r.ID = f.ID.Long();
+        r.Observed = observed;
+        records_.push_back(r);
+        for (const data::Field* field :
+             {&f.ObjectID, &f.OtherID, &f.ObjectType, &f.constellation, &f.MCode, &f.Description,
+              &f.Catalog, &f.ImageFile, &f.HObject}) {
+            Keep(field->Text());
+        }
+        Keep(planMark);
+    }
+
+    // Points each record's texts into the arena, once the block is complete.
+    void Seal()
+    {
+        std::size_t s = 0;
+        for (ObjectRecord& r : records_) {
+            for (std::string_view* text :
+                 {&r.ObjectID, &r.OtherID, &r.ObjectType, &r.constellation, &r.MCode,
+                  &r.Description, &r.Catalog, &r.ImageFile, &r.HObject, &r.planMark}) {
+                *text = std::string_view(arena_).substr(spans_[s].first, spans_[s].second);
+                ++s;
+            }
+        }
+    }
+
+    std::size_t Size() const { return records_.size(); }
+    const ObjectRecord& operator[](std::size_t i) const { return records_[i]; }
+
+private:
+    void Keep(std::string_view text)
+    {
+        spans_.emplace_back(arena_.size(), text.size());
+        arena_.append(text);
+    }
+
+    std::string arena_;
+    std::vector<std::pair<std::size_t, std::size_t>> spans_;
+    std::vector<ObjectRecord> records_;
+};
+
+// The rows of one block's slice, as computed by one worker.
+struct RowSlice
+{
+    struct Row
+    {
+        std::size_t offset;
+        std::size_t length;
+        RowVerdict verdict;
+    };
+    std::string text;
+    std::vector<Row> rows;
+    std::string scratch;
+
+    void Clear()
+    {
+        text.clear();
+        rows.clear();
+    }
+};
+
+struct RowContext
+{
+    const RowOptions& options;
+    const astro::ObservingClock& clock;
+    const astro::Clock& computerClock;
+    GatheredFaults& faults;
+};
+
+void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
+                  const RowContext& context, RowSlice& out)
+{
+    for (std::size_t i = begin; i < end; ++i) {
+        const ObjectRecord& record = block[i];
+        Position position;
+        const bool hasPosition = StoredPosition(record, position);
+        ComputedColumns computed;
+        if (hasPosition) {
+            const double epoch = record.EPOCH.null ? 2000.0 : record.EPOCH.value;
+            ComputeColumns(context.options, context.clock, context.computerClock, epoch, position,
+                           computed, context.faults);
+        }
+        const RowVerdict verdict =
+            WriteGridRow(record, !hasPosition, position, computed, context.options, out.scratch);
+        out.rows.push_back({out.text.size(), out.scratch.size(), verdict});
+        out.text.append(out.scratch);
+    }
+}
+
+RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
+{
+    RowOptions o;
+    o.speed1 = p.speed1;
+    o.Palt = p.Palt == "Y";
+    o.Prise = p.Prise == "Y";
+    o.optimum = p.optimum;
+    o.ShowCharts = p.ShowCharts;
+    services::vb::Regional regional;
+    regional.dateformat = p.dateformat;
+    regional.datesep = p.datesep;
+    regional.decimalchar = p.decimalchar;
+    if (!p.speed1)
+        SetPrecessionDate(o, p.PPre, regional);
+    o.PInterval = p.PInterval;
+    o.PlanLoad = planLoad;
+    o.hasMinAlt = !services::vb::Trim(p.Pminalt).empty();
+    o.Pminalt = services::vb::Val(p.Pminalt);
+    o.PAzm1 = p.PAzm1;
+    o.PAzm2 = p.PAzm2;
+    o.PAzm3 = p.PAzm3;
+    o.PAzm4 = p.PAzm4;
+    o.Psupo = p.Psupo == "Y";
+    o.Shers = p.Shers;
+    return o;
+}
+
+astro::ObservingClock ClockFrom(const data::Preferences& p)
+{
+    astro::ObservingClock c;
+    c.UseRealTime = p.UseRealTime;
+    c.PDate = p.PDate;
+    c.Ptime = p.Ptime;
+    c.Plat = p.Plat;
+    c.Plon = p.PLon;
+    c.PTz = p.PTz;
+    c.PStd = p.PStd;
+    c.timesAMPM = p.timesAMPM;
+    return c;
+}
+
+bool LoggedInLogbook(data::Database& logbook, std::string_view objectId)
+{
+    data::Recordset rs = logbook.OpenRecordset(
+        "Select ObjectId From Logbook Where ObjectID = '" +
+            services::vb::QuoteForSql(objectId) + "'",
+        data::Snapshot);
+    return !rs.Eof();
+}
+
+} // namespace
+
+LoadMode ParseLoadMode(std::string_view mode)
+{
+    return services::vb::UCase(services::vb::Trim(mode)) == "BUILD" ? LoadMode::Build
+                                                                      : LoadMode::NoBuild;
+}
+
+void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
+                 const astro::Clock& computerClock)
+{
+    services::UiPort& ui = TMM.ui;
+    const data::Preferences& prefs = TMM.prefs;
+    bool seenGcvs = false;
+    bool seenOther = false;
+    load.cancelled = false;
+
+    if (TMM.QueryRunning) {
+        ui.ShowMessage(OneQueryText, OneQueryTitle, "I");
+        return;
+    }
+    if (load.CurrTab > 4)
+        return;
+
+    ui.Busy(services::BusyKind::Loading);
+    grid.SetReDraw(false);
+    grid.SetMaxRows(0);
+
+    int rows = 0;
+    GatheredFaults faults;
+    int fatalExit = -1;
+    services::Trap(ui, LoadLocation, [&] {
+        if (mode == LoadMode::Build && load.BuildSQLSelectString)
+            TMM.SQL = load.BuildSQLSelectString();
+
+        data::Database* db = load.UseLogDatabase ? TMM.logbookDb.get() : TMM.objectDb.get();
+        if (!db)
+            throw services::Fault("The database is not open.", LoadLocation);
+        data::Recordset rs = db->OpenRecordset(TMM.SQL, data::Snapshot);
+        long count = 0;
+        if (!rs.Eof()) {
+            rs.MoveLast();
+            count = rs.RecordCount();
+            rs.MoveFirst();
+        }
+        const long rowret = prefs.rowret;
+        ui.Progress(static_cast<int>(rowret > 0 && rowret < count ? rowret : count));
+        load.selectedText = "Selected " + std::to_string(count) + " objects";
+        TMM.QueryRunning = true;
+        load.lastLoadSql = TMM.SQL;
+
+        const BoundFields fields = Bind(rs, load.UseLogDatabase && prefs.UseCd);
+        const RowOptions options = OptionsFrom(prefs, load.PlanLoad);
+        const astro::ObservingClock clock = ClockFrom(prefs);
+        const RowContext context{options, clock, computerClock, faults};
+
+        const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
+        const std::size_t blockSize =
+            static_cast<std::size_t>(load.blockSize > 0 ? load.blockSize : kDefaultBlock);
+        RecordBlock block;
+        std::vector<RowSlice> slices(cores);
+        long consumed = 0;
+        TMM.CancelRequested = false;
+
+        while (!rs.Eof() && !TMM.CancelRequested && (rowret == 0 || rows < rowret)) {
+            block.Clear();
+            while (!rs.Eof() && block.Size() < blockSize) {
+                const std::string_view objectId = fields.ObjectID.Text();
+                const std::string_view catalog = fields.Catalog.Text();
+                const bool observed = prefs.DataLogType && TMM.logbookDb
+                                          ? LoggedInLogbook(*TMM.logbookDb, objectId)
+                                          : fields.Observed.Bool();
+                const std::string_view mark =
+                    load.planMark ? load.planMark(objectId, catalog) : std::string_view(" ");
+                block.Read(fields, observed, mark);
+                rs.MoveNext();
+            }
+            block.Seal();
+
+            // A small block is not worth the threads.
+            const std::size_t n = block.Size();
+            const std::size_t workers = n < 64 ? 1 : std::min<std::size_t>(cores, n);
+            std::vector<std::exception_ptr> errors(workers);
+            {
+                std::vector<std::jthread> threads;
+                for (std::size_t w = 0; w < workers; ++w) {
+                    const std::size_t begin = n * w / workers;
+                    const std::size_t end = n * (w + 1) / workers;
+                    auto work = [&, w, begin, end] {
+                        try {
+                            slices[w].Clear();
+                            ComputeSlice(block, begin, end, context, slices[w]);
+                        } catch (...) {
+                            errors[w] = std::current_exception();
+                        }
+                    };
+                    if (w + 1 == workers)
+                        work(); // the loading thread takes the last slice itself
+                    else
+                        threads.emplace_back(work);
+                }
+            }
+            for (const std::exception_ptr& error : errors) {
+                if (!error)
+                    continue;
+                try {
+                    std::rethrow_exception(error);
+                } catch (const GatheredFaults::Fatal& fatal) {
+                    fatalExit = fatal.exitCode;
+                    return;
+                }
+            }
+            faults.Flush(ui);
+
+            // Append in record order until the row limit or a cancel.
+            for (std::size_t w = 0; w < workers; ++w) {
+                for (const RowSlice::Row& row : slices[w].rows) {
+                    if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested)
+                        break;
+                    if (row.verdict.kept) {
+                        grid.AppendRow(std::string_view(slices[w].text)
+                                           .substr(row.offset, row.length));
+                        ++rows;
+                        (row.verdict.gcvs ? seenGcvs : seenOther) = true;
+                    }
+                    ++consumed;
+                    if (consumed % 10 == 0) {
+                        ui.Step(static_cast<int>(consumed));
+                        if (ui.Pump())
+                            TMM.CancelRequested = true;
+                    }
+                }
+            }
+        }
+        load.cancelled = TMM.CancelRequested;
+    });
+    faults.Flush(ui);
+    if (fatalExit >= 0)
+        services::EndProcess(fatalExit);
+
+    load.lblMisc = std::to_string(load.planCount) + " Object(s) In Your Plan";
+    TMM.QueryRunning = false;
+    if (rows == 0)
+        ui.ShowMessage(NoObjectsText, NoObjectsTitle, "I");
+    load.lblNOM = std::to_string(rows) + " Objects";
+    load.allGcvs = seenGcvs && !seenOther;
+    ui.Busy(services::BusyKind::Working);
+    if (rows > 0) {
+        FormatOptions format;
+        format.speed1 = prefs.speed1;
+        format.autosizespread = prefs.autosizespread;
+        format.sort = {prefs.sort1, prefs.sort2, prefs.sort3};
+        format.descending = {prefs.Des1 == "D", prefs.Des2 == "D", prefs.Des3 == "D"};
+        format.zerosup = prefs.zerosup;
+        // The distance to a home target is not shown yet, so column 23 keeps Separation.
+        format.targetSet = false;
+        format.allGcvs = load.allGcvs;
+        FormatSpreadsheet(grid, load.CurrTab, true, format);
+    }
+    ui.EndBusy();
+    grid.SetReDraw(true);
+}
+
+} // namespace spread

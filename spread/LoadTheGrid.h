@@ -1,0 +1,67 @@
+#pragma once
+// Filling one spreadsheet tab's grid: the query on the right database, the fields bound once,
+// each record's computed columns and row filters, one Clip per kept row, then the formatting.
+// Long lists are computed on all cores: records are read in blocks on the calling thread, the
+// rows of a block are computed in parallel, and kept rows are appended in record order, so the
+// output and the row limit (rowret, counted after the filters) are those of a one-by-one load.
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "astro/ObservingClock.h"
+#include "spread/AppState.h"
+#include "spread/Grid.h"
+
+namespace spread {
+
+enum class LoadMode
+{
+    Build,   // "BUILD": build the SQL from the filter first
+    NoBuild, // "NOBUILD", "NO BUILD" and any other text: run the SQL already set
+};
+LoadMode ParseLoadMode(std::string_view mode);
+
+inline constexpr const char* OneQueryText =
+    "Please wait or cancel the existing query first.  Only one Query can be run at a time";
+inline constexpr const char* OneQueryTitle = "Invalid Usage";
+inline constexpr const char* NoObjectsText =
+    "No Objects Were Found that matched your search criteria.  Double check your filters to "
+    "see if one is causing objects to not appear.";
+inline constexpr const char* NoObjectsTitle = "No Objects Found!";
+inline constexpr const char* LoadLocation = "ctlSpread.LoadTheGrid";
+
+// What a load needs beyond the application state, and what it leaves for the status band.
+struct GridLoad
+{
+    int CurrTab = 0;
+    bool UseLogDatabase = false; // the observed list runs on the logbook
+    bool PlanLoad = false;       // a plan or find result is loading: no row filters
+    // Builds the SQL from the filter controls (BuildSQLSelectString) for LoadMode::Build.
+    std::function<std::string()> BuildSQLSelectString;
+    // The "pln" mark of an object in the tab's plan; " " when none is given.
+    std::function<std::string_view(std::string_view objectId, std::string_view catalog)>
+        planMark;
+    int planCount = 0;
+    // Rows computed per parallel block; 0 leaves it to the load.
+    int blockSize = 0;
+
+    // Results.
+    std::string lastLoadSql;  // the SQL of the last finished load
+    std::string selectedText; // "Selected " count " objects"
+    std::string lblNOM;       // rows " Objects"
+    std::string lblMisc;      // plan count " Object(s) In Your Plan"
+    bool allGcvs = false;
+    bool cancelled = false;
+};
+
+// LoadTheGrid: loads the grid of tab load.CurrTab.
+// Given: TMM (settings, databases, SQL, busy and cancel flags, the port), grid (the tab's),
+//   mode, load, computerClock.
+// Status: a failure while reading reports once under "ctlSpread.LoadTheGrid" and the rows read
+//   so far are kept and formatted; a cancel through the port's pump does the same.
+// Location: ctlSpread.LoadTheGrid
+void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
+                 const astro::Clock& computerClock);
+
+} // namespace spread

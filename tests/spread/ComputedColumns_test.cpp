@@ -1,0 +1,137 @@
+#include "spread/ComputedColumns.h"
+
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+using namespace spread;
+
+namespace {
+
+class RecordingSink : public astro::FaultSink
+{
+public:
+    void ReportFault(std::string_view message, std::string_view location) override
+    {
+        faults.push_back(std::string(location) + ": " + std::string(message));
+    }
+    void EndProcess(int) override { throw std::runtime_error("fatal fault"); }
+    std::vector<std::string> faults;
+};
+
+astro::ObservingClock Site(double lat)
+{
+    astro::ObservingClock clock;
+    clock.PDate = "03/15/2024";
+    clock.Ptime = "22:00";
+    clock.Plat = lat;
+    clock.Plon = 90;
+    clock.PTz = 6;
+    clock.PStd = "S";
+    clock.timesAMPM = false;
+    return clock;
+}
+
+// RiseSet's status values reach the rise and set columns as fixed words.
+TEST(ComputeColumns, RiseSetStatusTexts)
+{
+    struct Case
+    {
+        const char* name;
+        double lat;
+        double decDeg;
+        const char* rise;
+        const char* set;
+    };
+    const Case cases[] = {
+        {"circumpolar at 40 N", 40, 89, "CPolar", ""},
+        {"never rises at 40 N", 40, -80, "*Never", "Rises*"},
+        {"site on the pole", 90, 10, "*Can't", "Calc*"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        RowOptions options;
+        options.Prise = true;
+        Position position{6, 0, 0, c.decDeg, 0, 0};
+        ComputedColumns computed;
+        RecordingSink faults;
+        ComputeColumns(options, Site(c.lat), astro::FixedClock{}, 2000, position, computed,
+                       faults);
+        EXPECT_EQ(computed.rise.View(), c.rise);
+        EXPECT_EQ(computed.set.View(), c.set);
+        EXPECT_TRUE(faults.faults.empty());
+    }
+}
+
+TEST(ComputeColumns, SwitchesSkipTheirRoutines)
+{
+    RowOptions all;
+    all.Palt = all.Prise = all.optimum = all.ShowCharts = true;
+    SetPrecessionDate(all, "01/01/2050", services::vb::Regional{});
+    RowOptions turbo = all;
+    turbo.speed1 = true;
+    RowOptions masked = all;
+    SetPrecessionDate(masked, "__/__/____", services::vb::Regional{});
+
+    const Position stored{0, 0, 0, 0, 0, 0};
+    RecordingSink faults;
+    {
+        SCOPED_TRACE("all on");
+        Position position = stored;
+        ComputedColumns computed;
+        ComputeColumns(all, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
+        // The pages come from the stored position, before precession.
+        EXPECT_EQ(computed.skyAtlas.View(), "17");
+        EXPECT_EQ(computed.uranometria.View(), "215");
+        EXPECT_EQ(computed.millennium.View(), "270 Vol I");
+        EXPECT_TRUE(computed.precessed);
+        EXPECT_GT(position.raMinutes + position.raSeconds, 0); // moved by 50 years
+        EXPECT_FALSE(computed.transit.Empty());
+        EXPECT_FALSE(computed.rise.Empty());
+        EXPECT_NE(computed.azm, 0);
+    }
+    {
+        SCOPED_TRACE("turbo mode");
+        Position position = stored;
+        ComputedColumns computed;
+        ComputeColumns(turbo, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
+        EXPECT_TRUE(computed.skyAtlas.Empty());
+        EXPECT_TRUE(computed.transit.Empty());
+        EXPECT_TRUE(computed.rise.Empty());
+        EXPECT_FALSE(computed.precessed);
+        EXPECT_EQ(computed.alt, 0);
+        EXPECT_EQ(position.raSeconds, 0);
+    }
+    {
+        SCOPED_TRACE("empty precession mask");
+        Position position = stored;
+        ComputedColumns computed;
+        ComputeColumns(masked, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
+        EXPECT_FALSE(computed.precessed);
+        EXPECT_EQ(position.raMinutes, 0);
+        EXPECT_EQ(position.raSeconds, 0);
+    }
+    EXPECT_TRUE(faults.faults.empty());
+}
+
+// Altitude and azimuth come back rounded to hundredths, as the filters compare them.
+TEST(ComputeColumns, AltitudeAndAzimuthAreRoundedToHundredths)
+{
+    RowOptions options;
+    options.Palt = true;
+    for (double dec : {-30.0, 0.0, 45.5, 80.0}) {
+        SCOPED_TRACE(dec);
+        Position position{5, 35, 17.3, dec, 23, 28};
+        ComputedColumns computed;
+        RecordingSink faults;
+        ComputeColumns(options, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
+        EXPECT_DOUBLE_EQ(computed.alt * 100, std::round(computed.alt * 100));
+        EXPECT_DOUBLE_EQ(computed.azm * 100, std::round(computed.azm * 100));
+        EXPECT_GE(computed.azm, 0);
+        EXPECT_LT(computed.azm, 360);
+    }
+}
+
+} // namespace

@@ -1,0 +1,208 @@
+#include "spread/LoadTheGrid.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <string>
+#include <vector>
+
+#include "data/Schema.h"
+#include "services/ScriptedUiPort.h"
+
+using namespace spread;
+
+namespace {
+
+struct Object
+{
+    std::string id;
+    std::string raHours; // "NULL" for a missing position
+    double decDeg;
+    std::string catalog = "2000";
+};
+
+// A real object database in a temporary program folder, and the state that loads from it.
+class LoadFixture : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(folder.isValid());
+        ui.echo = false;
+        const std::filesystem::path path = folder.filePath("SelvPro13000.mdb").toStdString();
+        data::OpenOptions create;
+        create.create = true;
+        TMM.objectDb = data::Database::Open(path, create);
+        data::CreateSchema(TMM.objectDb->Handle(), data::SchemaKind::ObjectDatabase);
+        TMM.prefs.PDate = "03/15/2024";
+        TMM.prefs.Ptime = "22:00";
+        TMM.prefs.Plat = 40;
+        TMM.prefs.PLon = 90;
+        TMM.prefs.PTz = 6;
+        TMM.prefs.timesAMPM = false;
+        TMM.SQL = "Select * From SelvaneTable order by ID";
+    }
+
+    void Insert(const std::vector<Object>& objects)
+    {
+        long id = 1;
+        for (const Object& o : objects) {
+            TMM.objectDb->Execute(
+                "Insert Into SelvaneTable (ID, ObjectID, Catalog, ObjectType, RAhours, RAminutes, "
+                "DeclinationDegrees, DeclinationMinutes, EPOCH, Observed, HObject) Values (" +
+                std::to_string(id++) + ", '" + o.id + "', '" + o.catalog + "', 'Gx', " +
+                o.raHours + ", 30.5, " + std::to_string(o.decDeg) + ", 15, 2000, False, ' ')");
+        }
+    }
+
+    std::vector<std::string> Ids() const
+    {
+        std::vector<std::string> ids;
+        for (int row = 1; row <= grid.MaxRows(); ++row)
+            ids.emplace_back(grid.Text(row, 4));
+        return ids;
+    }
+
+    std::vector<std::string> ShownTitles() const
+    {
+        std::vector<std::string> titles;
+        for (const auto& s : ui.shown)
+            titles.push_back(s.message.ShortMessage);
+        return titles;
+    }
+
+    QTemporaryDir folder;
+    services::ScriptedUiPort ui;
+    AppState TMM{ui, data::ProgramDir{folder.path().toStdString()},
+                 data::SettingsStore(folder.filePath("test.ini").toStdString())};
+    Grid grid;
+    GridLoad load;
+    astro::FixedClock clock;
+};
+
+// Objects at +89 never set and at -80 never rise at latitude 40 north.
+std::vector<Object> Alternating(int count)
+{
+    std::vector<Object> objects;
+    for (int i = 1; i <= count; ++i)
+        objects.push_back({"N" + std::to_string(i), std::to_string(i % 24), i % 2 ? -80.0 : 89.0});
+    return objects;
+}
+
+TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
+{
+    Insert(Alternating(20));
+    TMM.prefs.Pminalt = "0";
+    TMM.prefs.rowret = 5;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(Ids(), (std::vector<std::string>{"N2", "N4", "N6", "N8", "N10"}));
+    EXPECT_EQ(load.selectedText, "Selected 20 objects");
+    EXPECT_EQ(load.lblNOM, "5 Objects");
+    EXPECT_FALSE(TMM.QueryRunning);
+    for (const auto& s : ui.shown)
+        ADD_FAILURE() << s.message.ShortMessage << ": " << s.message.LongMessage;
+}
+
+// The parallel blocks give the rows of a one-by-one load, in the same order.
+TEST_F(LoadFixture, ParallelBlocksMatchOneByOne)
+{
+    Insert(Alternating(300));
+    TMM.prefs.Pminalt = "0";
+    TMM.prefs.Prise = "Y";
+    TMM.prefs.ShowCharts = true;
+    TMM.prefs.rowret = 120;
+    load.blockSize = 1;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    std::vector<std::string> serial;
+    for (int row = 1; row <= grid.MaxRows(); ++row)
+        serial.emplace_back(grid.RowText(row));
+
+    Grid parallel;
+    load.blockSize = 100;
+    LoadTheGrid(TMM, parallel, LoadMode::NoBuild, load, clock);
+    ASSERT_EQ(parallel.MaxRows(), 120);
+    ASSERT_EQ(static_cast<int>(serial.size()), 120);
+    for (int row = 1; row <= parallel.MaxRows(); ++row)
+        EXPECT_EQ(parallel.RowText(row), serial[static_cast<std::size_t>(row - 1)]) << row;
+}
+
+TEST_F(LoadFixture, MissingPositionShowsNaAndEscapesTheAltitudeFilter)
+{
+    Insert({{"nopos", "NULL", -80}, {"south", "3", -80}});
+    TMM.prefs.Pminalt = "10";
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    ASSERT_EQ(Ids(), std::vector<std::string>{"nopos"});
+    EXPECT_EQ(grid.Text(1, 7), "n/a");
+    EXPECT_EQ(grid.Text(1, 8), "n/a");
+}
+
+TEST_F(LoadFixture, NoObjectsFoundAfterFiltersOrACancel)
+{
+    Insert(Alternating(30));
+    struct Case
+    {
+        const char* name;
+        std::string Palt;
+        std::string Pminalt;
+        int cancelAfterPumps;
+    };
+    const Case cases[] = {
+        // With Palt off every altitude is 0, so a minimum above 0 drops every row.
+        {"Palt off and a minimum altitude", "N", "5", -1},
+        {"cancelled before the first kept row", "Y", "0", 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        ui.shown.clear();
+        ui.cancelAfterPumps = c.cancelAfterPumps;
+        TMM.prefs.Palt = c.Palt;
+        TMM.prefs.Pminalt = c.Pminalt;
+        // Only southern objects first, so a cancel comes before any row is kept.
+        TMM.SQL = "Select * From SelvaneTable order by DeclinationDegrees, ID";
+        load.blockSize = 1;
+        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+        EXPECT_EQ(grid.MaxRows(), 0);
+        EXPECT_EQ(ShownTitles(), std::vector<std::string>{NoObjectsTitle});
+        EXPECT_EQ(load.lblNOM, "0 Objects");
+    }
+}
+
+TEST_F(LoadFixture, GcvsHeadersOnlyWhenEveryRowIsGcvs)
+{
+    Insert({{"R And", "0", 38, "GCVS"}, {"S And", "1", 39, "GCVS"}, {"M 31", "0", 41}});
+    struct Case
+    {
+        const char* sql;
+        const char* header5;
+    };
+    const Case cases[] = {
+        {"Select * From SelvaneTable Where Catalog = 'GCVS'", "Var Type"},
+        {"Select * From SelvaneTable", "Other ID"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.sql);
+        TMM.SQL = c.sql;
+        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+        EXPECT_EQ(grid.Header(5), c.header5);
+    }
+}
+
+TEST_F(LoadFixture, OneQueryAtATime)
+{
+    Insert(Alternating(2));
+    TMM.QueryRunning = true;
+    grid.AppendRow("kept");
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(ShownTitles(), std::vector<std::string>{OneQueryTitle});
+    EXPECT_EQ(grid.Text(1, 1), "kept");
+}
+
+TEST(ParseLoadMode, EverySpellingInUse)
+{
+    EXPECT_EQ(ParseLoadMode("BUILD"), LoadMode::Build);
+    EXPECT_EQ(ParseLoadMode("NOBUILD"), LoadMode::NoBuild);
+    EXPECT_EQ(ParseLoadMode("NO BUILD"), LoadMode::NoBuild);
+}
+
+} // namespace
