@@ -14,47 +14,27 @@ namespace vb = services::vb;
 namespace {
 
 // The names offered by the sort combos, in their order.
-constexpr std::array<const char*, 33> SortNames{"<none>",
-                                                "Altitude",
-                                                "Azimuth",
-                                                "Catalog",
-                                                "Constellation",
-                                                "DeclinationDegrees",
-                                                "DeclinationMinutes",
-                                                "SelvaneSup",
-                                                "Description",
-                                                "Epoch",
-                                                "GalacticLatitude",
-                                                "GalacticLongitude",
-                                                "Hobject",
-                                                "ImageFile",
-                                                "Magnitude",
-                                                "Magnitude2",
-                                                "MCode",
-                                                "MessierNumber",
-                                                "Mill#",
-                                                "ObjectID",
-                                                "ObjectSize",
-                                                "ObjectType",
-                                                "Observed",
-                                                "Optimum",
-                                                "OtherID",
-                                                "PositionAngle",
-                                                "RAhours",
-                                                "RAminutes",
-                                                "Rise",
-                                                "Separation",
-                                                "Set",
-                                                "Sky#",
-                                                "Ura#"};
+// clang-format off
+constexpr std::array<const char*, 33> SortNames{
+    "<none>", "Altitude", "Azimuth", "Catalog",
+    "Constellation", "DeclinationDegrees", "DeclinationMinutes", "SelvaneSup",
+    "Description", "Epoch", "GalacticLatitude", "GalacticLongitude",
+    "Hobject", "ImageFile", "Magnitude", "Magnitude2",
+    "MCode", "MessierNumber", "Mill#", "ObjectID",
+    "ObjectSize", "ObjectType", "Observed", "Optimum",
+    "OtherID", "PositionAngle", "RAhours", "RAminutes",
+    "Rise", "Separation", "Set", "Sky#",
+    "Ura#",
+};
+// clang-format on
 
 struct ComputedColumn
 {
     const char* upperName;
     int column;
 };
-// Deliberate: Sky#, Ura# and Mill# stand in grid columns 28 to 30, yet sort by 27 to 29, as
-// saved sort choices have always ordered.
+// Sky#, Ura# and Mill# stand in grid columns 28 to 30.
+// Deliberate: they sort by 27 to 29, one to the left, as the grid has always sorted them.
 constexpr std::array<ComputedColumn, 8> ComputedColumns{{
     {"ALTITUDE", 10},
     {"AZIMUTH", 11},
@@ -81,7 +61,8 @@ bool IsBlank(std::string_view text)
     return vb::Trim(text).empty();
 }
 
-// A range box's value in the program's number form; a text that is no number reads 0.
+// A range box's value in the program's number form.
+// Deliberate: a text that is no number is written as 0 (Val), not refused, as before.
 std::string Number(std::string_view boxText)
 {
     return vb::Format(vb::Val(boxText), "");
@@ -336,9 +317,8 @@ SqlSelect BuildSQLSelectString(const ObjectFilter& filter, const FilterLookups& 
             sql += " and PositionAngle >= " + Number(paL) + " and PositionAngle <= " + Number(paH) +
                    " ";
 
-        // Deliberate: RA is limited by the stored whole hours and declination by the stored
-        // whole degrees; the minutes boxes never enter the SQL, and an RA range across 0h
-        // (from 22 to 2) selects nothing.
+        // The minutes boxes never enter the SQL, and an RA range across 0h (22 to 2) is empty.
+        // Deliberate: whole hours and degrees only, as saved filters have always selected.
         sql += " and RAHours >= " + Number(OrDefault(filter.gFRAH, "0")) +
                " and RAHours <= " + Number(OrDefault(filter.gTRAH, "24")) + " ";
         sql += " and DeclinationDegrees >= " + Number(OrDefault(filter.gFDECD, "-90")) +
