@@ -76,7 +76,7 @@ void MakeScaleDb(const std::string& source, const std::string& boundaries,
             "DeclinationDegrees, DeclinationMinutes, constellation, ObjectSize, Magnitude, "
             "Magnitude2, MCode, Description, Catalog, ImageFile, Observed, EPOCH, "
             "GalacticLongitude, GalacticLatitude, HObject, MessierNumber) VALUES (?1, ?2, '', ?3, "
-            "?4, ?5, ?6, ?7, ?8, ?9, ?10, NULL, '', '', ?11, '', 0, 2000, ?12, ?13, '', 0)",
+            "?4, ?5, ?6, ?7, ?8, ?9, ?10, NULL, '', '', ?11, NULL, 0, 2000, ?12, ?13, '', 0)",
             -1, &st, nullptr);
         for (long long id = realCount + 1; id <= count; ++id) {
             const Sample& s = real[static_cast<std::size_t>(uniform() * realCount)];

@@ -78,7 +78,7 @@ ObjectWriter::ObjectWriter(const std::string& path) : path_(path)
               "Magnitude2, MCode, Description, Catalog, ImageFile, ImageFOV, Observed, EPOCH, "
               "GalacticLongitude, GalacticLatitude, PositionAngle, Separation, HObject, "
               "MessierNumber, SelvaneSup) VALUES (?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10, ?11, "
-              "?12, ?13, ?14, ?15, '', NULL, 0, 2000, ?16, ?17, ?18, ?19, ?20, ?21, NULL)",
+              "?12, ?13, ?14, ?15, NULL, NULL, 0, 2000, ?16, ?17, ?18, ?19, ?20, ?21, NULL)",
               -1, &insertObject_, nullptr),
           "prepare SelvaneTable insert");
     Check(db_,
