@@ -153,10 +153,10 @@ TEST(ab_ToolClick, TabGuardRefusesOnImageTabsOnly)
         bool runs;
     };
     const Row rows[] = {
-        {"findobject", 0, true},  {"findobject", 4, true},  {"findobject", 5, false},
+        {"findobject", 0, true},    {"findobject", 4, true}, {"findobject", 5, false},
         {"querybuilder", 6, false}, {"mnusaveps", 5, false}, {"scds", 6, false},
-        {"sortcolumn", 6, true},  // sorting ascending carries no guard
-        {"redmode", 5, true},     {"exit", 6, true},
+        {"sortcolumn", 6, true}, // sorting ascending carries no guard
+        {"redmode", 5, true},       {"exit", 6, true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.key) + " on tab " + std::to_string(row.tab));

@@ -17,7 +17,7 @@ TEST(RowretFromChoice, EveryChoiceAndOddTexts)
         long rowret;
     };
     const Row rows[] = {
-        {"All Objects", 0}, {"All", 0},     {"25", 25},   {"25000", 25000},
+        {"All Objects", 0}, {"All", 0},      {"25", 25},  {"25000", 25000},
         {" 100", 100},      {"50 rows", 50}, {"", 0},     {"abc", 0},
         {"12.7", 12},       {"-5", 0},       {"1e12", 0},
     };
@@ -70,7 +70,6 @@ struct Recorder
     Recorder() { ui.echo = false; }
 };
 
-
 TEST(CloseApplication, RunsInOrderOnceOnly)
 {
     Recorder r;
@@ -118,12 +117,12 @@ TEST(FilterGrid, HidesRowsWithoutTheTextInTheClickedColumn)
         std::vector<bool> hidden;
     };
     const Row rows[] = {
-        {4, "m", {false, false, true, false}},     // case ignored
+        {4, "m", {false, false, true, false}}, // case ignored
         {4, "M4", {true, false, true, true}},
         {5, "NEBULA", {true, false, true, true}},
-        {5, "", {false, false, false, false}},     // empty text: everything shown
+        {5, "", {false, false, false, false}}, // empty text: everything shown
         {5, "zzz", {true, true, true, true}},
-        {4, "'", {true, true, true, true}},        // a quote is only a character
+        {4, "'", {true, true, true, true}}, // a quote is only a character
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(std::string(row.text) + " in column " + std::to_string(row.col));
@@ -135,6 +134,50 @@ TEST(FilterGrid, HidesRowsWithoutTheTextInTheClickedColumn)
     spread::ResetFilter(grid);
     for (int r = 1; r <= grid.MaxRows(); ++r)
         EXPECT_FALSE(grid.RowHidden(r));
+}
+
+} // namespace
+
+namespace {
+
+TEST(RealTimeTimers, Timer2ArmsTimer1OnlyWhenRearmedAndRefreshing)
+{
+    struct Row
+    {
+        const char* RefreshTime;
+        bool rearm;
+        bool armed;
+        int intervalMs;
+    };
+    const Row rows[] = {
+        {"0", true, false, 0},     {"", true, false, 0},      {"abc", true, false, 0},
+        {"-30", true, false, 0},   {"60", true, true, 60000}, {"60", false, false, 0},
+        {"2.9", true, true, 2000},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.RefreshTime) + (row.rearm ? " rearmed" : ""));
+        spread::RealTimeTimers timers;
+        timers.RealTimeRearm = row.rearm;
+        EXPECT_EQ(spread::Timer2Tick(timers, row.RefreshTime), row.armed);
+        EXPECT_EQ(timers.timer1IntervalMs, row.intervalMs);
+        EXPECT_EQ(timers.RealTimeRearm, row.rearm && !row.armed);
+    }
+}
+
+TEST(RealTimeTimers, Timer1TakesTheClockAndRearms)
+{
+    spread::RealTimeTimers timers;
+    timers.RealTimeRearm = false;
+    EXPECT_FALSE(spread::Timer1Tick(timers, "N", "60", {2026, 11, 21, 23, 5, 59}));
+    EXPECT_FALSE(spread::Timer1Tick(timers, "Y", "0", {2026, 11, 21, 23, 5, 59}));
+    EXPECT_FALSE(timers.RealTimeRearm);
+    // Just past midnight at the turn of a year: day, month and year all change together.
+    const auto moment = spread::Timer1Tick(timers, "Y", "60", {2027, 1, 1, 0, 0, 30});
+    ASSERT_TRUE(moment);
+    EXPECT_EQ(moment->PDate, "01/01/27");
+    EXPECT_EQ(moment->Ptime, "00:00");
+    EXPECT_TRUE(timers.RealTimeRearm);
+    EXPECT_TRUE(spread::Timer2Tick(timers, "60"));
 }
 
 } // namespace

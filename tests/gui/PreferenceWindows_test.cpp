@@ -1,0 +1,169 @@
+#include "spread/ui/PreferenceWindows.h"
+
+#include "data/ProgramDir.h"
+#include "data/SettingsStore.h"
+#include "services/ScriptedUiPort.h"
+
+#include "GuiApp.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fstream>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+// Preferences over a settings file in a temporary folder, read back as the next start would.
+struct Prefs
+{
+    bool appReady = (App(), true);
+    QTemporaryDir dir;
+    std::filesystem::path file = std::filesystem::path(dir.path().toStdString()) / "s.ini";
+    data::SettingsStore store{file};
+    data::Preferences prefs;
+    services::ScriptedUiPort ui;
+
+    Prefs() { ui.echo = false; }
+    data::Preferences ReadBack()
+    {
+        data::SettingsStore again(file);
+        data::Preferences loaded;
+        data::LoadPreferences(loaded, again, data::ProgramDir{dir.path().toStdString()});
+        return loaded;
+    }
+};
+
+template <typename T> T* Box(QWidget& window, const char* name)
+{
+    T* box = window.findChild<T*>(name);
+    EXPECT_NE(box, nullptr) << name;
+    return box;
+}
+
+TEST(frmPref7, ZeroIntervalIsRefusedAndNothingIsSaved)
+{
+    Prefs p;
+    spread::frmPref7 window(p.prefs, p.store, p.ui);
+    Box<QLineEdit>(window, "PInterval")->setText("0");
+    Box<QCheckBox>(window, "speed1")->setChecked(true);
+    window.show();
+    QTest::mouseClick(Box<QPushButton>(window, "cmdOK"), Qt::LeftButton);
+    ASSERT_EQ(p.ui.shown.size(), 1u);
+    EXPECT_EQ(p.ui.shown[0].message.kind, "U");
+    EXPECT_EQ(p.ui.shown[0].Text(), "The interval of the best-time search must be a whole "
+                                    "number of minutes from 1 to 1440.");
+    EXPECT_TRUE(window.isVisible());
+    EXPECT_EQ(window.result(), QDialog::Rejected);
+    EXPECT_EQ(p.prefs.PInterval, 10);
+    EXPECT_FALSE(p.prefs.speed1);
+    EXPECT_FALSE(std::filesystem::exists(p.file));
+}
+
+TEST(frmPref7, KeptValuesSurviveTheNextStart)
+{
+    Prefs p;
+    p.prefs.PAzm2 = 0;
+    spread::frmPref7 window(p.prefs, p.store, p.ui);
+    // A stored 0 azimuth shows as an empty box, and an empty box is kept as 0.
+    EXPECT_EQ(Box<QLineEdit>(window, "PAzm2")->text(), "");
+    Box<QLineEdit>(window, "PInterval")->setText("20");
+    Box<QLineEdit>(window, "Pminalt")->setText("15");
+    Box<QLineEdit>(window, "PAzm1")->setText("90");
+    Box<QLineEdit>(window, "PAzm2")->setText("180");
+    Box<QCheckBox>(window, "Psupo")->setChecked(true);
+    Box<QCheckBox>(window, "zerosup")->setChecked(false);
+    QComboBox* rowret = Box<QComboBox>(window, "rowret");
+    rowret->setCurrentIndex(rowret->findText("500"));
+    window.show();
+    QTest::mouseClick(Box<QPushButton>(window, "cmdOK"), Qt::LeftButton);
+    EXPECT_TRUE(p.ui.shown.empty());
+    EXPECT_EQ(window.result(), QDialog::Accepted);
+    const data::Preferences again = p.ReadBack();
+    EXPECT_EQ(again.PInterval, 20);
+    EXPECT_EQ(again.Pminalt, "15");
+    EXPECT_DOUBLE_EQ(again.PAzm1, 90);
+    EXPECT_DOUBLE_EQ(again.PAzm2, 180);
+    EXPECT_DOUBLE_EQ(again.PAzm3, 0);
+    EXPECT_EQ(again.Psupo, "Y");
+    EXPECT_FALSE(again.zerosup);
+    EXPECT_EQ(again.rowret, 500);
+    EXPECT_EQ(p.prefs.rowret, 500);
+}
+
+TEST(frmPref2, ChoosingAPlaceFillsTheSite)
+{
+    Prefs p;
+    const std::vector<spread::Place> places = {{"Phoenix, Arizona, USA", 33.4531, 112.0739, 7},
+                                               {"Sydney, NSW, Australia", -33.8667, -151.2, -10}};
+    const std::vector<spread::Place> sites = {{"Home", 46.5, 90.2, 6}};
+    spread::frmPref2 window(p.prefs, p.store, p.ui, places, sites);
+    QComboBox* list = Box<QComboBox>(window, "cboLocation");
+    list->setCurrentIndex(2);
+    emit list->activated(2);
+    EXPECT_EQ(Box<QLineEdit>(window, "Plat")->text(), "-33.8667");
+    EXPECT_EQ(Box<QLineEdit>(window, "PLon")->text(), "-151.2");
+    EXPECT_EQ(Box<QLineEdit>(window, "PTz")->text(), "-10.0");
+    window.show();
+    QTest::mouseClick(Box<QPushButton>(window, "cmdOK"), Qt::LeftButton);
+    EXPECT_TRUE(p.ui.shown.empty());
+    EXPECT_DOUBLE_EQ(p.ReadBack().Plat, -33.8667);
+    EXPECT_DOUBLE_EQ(p.ReadBack().PLon, -151.2);
+}
+
+TEST(frmSetupWizard, RefusesAFileThatIsNotTheObjectDatabase)
+{
+    Prefs p;
+    const std::string folder = p.dir.path().toStdString();
+    std::ofstream(folder + "/Logbook2003-1.mdb") << "x";
+    std::ofstream(folder + "/SelvPro13000.mdb") << "x";
+    p.ui.fileAnswers = {folder + "/Logbook2003-1.mdb", folder + "/SelvPro13000.mdb"};
+    spread::frmSetupWizard wizard(p.prefs, p.store, p.ui, {});
+    wizard.show();
+    QPushButton* browse = Box<QPushButton>(wizard, "cmdBrowse");
+
+    QTest::mouseClick(browse, Qt::LeftButton);
+    wizard.accept();
+    ASSERT_EQ(p.ui.shown.size(), 1u);
+    EXPECT_EQ(p.ui.shown[0].Text(),
+              "Please choose the object database, the file SelvPro708000.mdb or "
+              "SelvPro13000.mdb.");
+    EXPECT_TRUE(wizard.isVisible());
+
+    QTest::mouseClick(browse, Qt::LeftButton);
+    wizard.accept();
+    EXPECT_EQ(p.ui.shown.size(), 1u);
+    EXPECT_FALSE(wizard.isVisible());
+    EXPECT_EQ(p.ReadBack().cdDrive, folder + "/SelvPro13000.mdb");
+}
+
+} // namespace
+
+namespace {
+
+// Not a check: with SELVANE_SCREENSHOTS naming a folder, saves the spreadsheet options and
+// the setup wizard there, for a person to look at.
+TEST(PreferenceWindows, Screenshots)
+{
+    const QString folder = qEnvironmentVariable("SELVANE_SCREENSHOTS");
+    if (folder.isEmpty())
+        GTEST_SKIP() << "SELVANE_SCREENSHOTS not set";
+    Prefs p;
+    spread::frmPref7 options(p.prefs, p.store, p.ui);
+    options.show();
+    QApplication::processEvents();
+    options.grab().save(folder + "/pref-spreadsheet.png");
+    spread::frmSetupWizard wizard(p.prefs, p.store, p.ui,
+                                  {{"Phoenix, Arizona, USA", 33.4531, 112.0739, 7}});
+    wizard.show();
+    QApplication::processEvents();
+    wizard.grab().save(folder + "/pref-wizard.png");
+}
+
+} // namespace
