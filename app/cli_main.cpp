@@ -4,21 +4,52 @@
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
-#include "app/StartUp.h"
 #include "app/CliOptions.h"
+#include "app/GridCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
+#include "services/ErrorLog.h"
 #include "services/ScriptedUiPort.h"
+#include "spread/LoadForm.h"
 
 #include <QCoreApplication>
 
 #include <iostream>
 #include <map>
 
+namespace {
+
+// A command checks its arguments before the start runs, then runs on the started state.
+struct Command
+{
+    std::string (*check)(const std::vector<std::string>& args); // the usage error, or empty
+    int (*run)(spread::AppState& TMM, const spread::LoadFormResult& start,
+               const std::vector<std::string>& args);
+    const char* usage;
+};
+
+const std::map<std::string, Command>& Commands()
+{
+    static const std::map<std::string, Command> commands{
+        {"grid",
+         {[](const std::vector<std::string>& args) { return app::ParseGridArgs(args).error; },
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunGridCommand(TMM, start, app::ParseGridArgs(args), std::cout, clock);
+          },
+          app::GridUsage}},
+    };
+    return commands;
+}
+
+} // namespace
+
 int main(int argc, char* argv[])
 {
     QCoreApplication application(argc, argv);
+    std::ios::sync_with_stdio(false);
     std::vector<std::string> args(argv + 1, argv + argc);
     const app::CliOptions options = app::ParseCliOptions(args);
     if (!options.error.empty()) {
@@ -26,13 +57,14 @@ int main(int argc, char* argv[])
         return 2;
     }
 
-    // Commands arrive with the subsystems; each maps its name to a routine over the state.
-    using Command = int (*)(spread::AppState&, const std::vector<std::string>&);
-    const std::map<std::string, Command> commands;
-    const auto command = commands.find(options.command);
-    if (command == commands.end()) {
+    const auto command = Commands().find(options.command);
+    if (command == Commands().end()) {
         std::cerr << "selvane-cli: unknown command \"" << options.command << "\"\n"
                   << app::CliUsage << "\n";
+        return 2;
+    }
+    if (const std::string error = command->second.check(options.commandArgs); !error.empty()) {
+        std::cerr << "selvane-cli: " << error << "\n" << command->second.usage << "\n";
         return 2;
     }
 
@@ -41,6 +73,10 @@ int main(int argc, char* argv[])
                            data::SettingsStore(data::SettingsStore::DefaultPath(options.settings)));
     for (const auto& [key, value] : options.sets)
         state.settings.Override(key, value);
-    app::StartUp(state, data::ResourcesBesideExecutable());
-    return command->second(state, options.commandArgs);
+    // As the main window's Load does: the session's error log starts empty.
+    services::DeleteErrorLog(state.dir.File(services::ErrorLogFileName));
+    const astro::SystemClock clock;
+    const spread::LoadFormResult start =
+        spread::LoadForm(state, data::ResourcesBesideExecutable(), {}, clock);
+    return command->second.run(state, start, options.commandArgs);
 }

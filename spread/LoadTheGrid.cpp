@@ -214,6 +214,15 @@ void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
     }
 }
 
+services::vb::Regional RegionalFrom(const data::Preferences& p)
+{
+    services::vb::Regional regional;
+    regional.dateformat = p.dateformat;
+    regional.datesep = p.datesep;
+    regional.decimalchar = p.decimalchar;
+    return regional;
+}
+
 RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
 {
     RowOptions o;
@@ -222,12 +231,8 @@ RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
     o.Prise = p.Prise == "Y";
     o.optimum = p.optimum;
     o.ShowCharts = p.ShowCharts;
-    services::vb::Regional regional;
-    regional.dateformat = p.dateformat;
-    regional.datesep = p.datesep;
-    regional.decimalchar = p.decimalchar;
     if (!p.speed1)
-        SetPrecessionDate(o, p.PPre, regional);
+        SetPrecessionDate(o, p.PPre, RegionalFrom(p));
     o.PInterval = p.PInterval;
     o.PlanLoad = planLoad;
     o.hasMinAlt = !services::vb::Trim(p.Pminalt).empty();
@@ -245,7 +250,11 @@ astro::ObservingClock ClockFrom(const data::Preferences& p)
 {
     astro::ObservingClock c;
     c.UseRealTime = p.UseRealTime;
+    // The observing date is kept in the regional short form; the astronomy routines take it
+    // as YYYY-MM-DD. A text that is no date passes as it is (blank means today).
     c.PDate = p.PDate;
+    if (const auto date = services::vb::ParseDate(p.PDate, RegionalFrom(p)))
+        c.PDate = date->toString(Qt::ISODate).toStdString();
     c.Ptime = p.Ptime;
     c.Plat = p.Plat;
     c.Plon = p.PLon;
@@ -264,6 +273,22 @@ bool LoggedInLogbook(data::Database& logbook, std::string_view objectId)
     return !rs.Eof();
 }
 
+// Step 4 of the load: the SQL from the filter, through the caller's builder when it gives one.
+void BuildSql(AppState& TMM, const GridLoad& load)
+{
+    if (load.BuildSQLSelectString) {
+        TMM.SQL = load.BuildSQLSelectString();
+        return;
+    }
+    if (!TMM.objectDb)
+        throw services::Fault("The database is not open.", LoadLocation);
+    const data::SqlSelect select =
+        data::BuildSQLSelectString(data::FilterFromPreferences(TMM.prefs),
+                                   data::LoadFilterLookups(*TMM.objectDb));
+    TMM.SQL = select.SQL;
+    TMM.OrderBy = select.OrderBy;
+}
+
 } // namespace
 
 LoadMode ParseLoadMode(std::string_view mode)
@@ -280,12 +305,14 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     bool seenGcvs = false;
     bool seenOther = false;
     load.cancelled = false;
+    load.failed = false;
+    load.allGcvs = false;
 
     if (TMM.QueryRunning) {
         ui.ShowMessage(OneQueryText, OneQueryTitle, "I");
         return;
     }
-    if (load.CurrTab > 4)
+    if (TMM.CurrTab < 0 || TMM.CurrTab > 4)
         return;
 
     ui.Busy(services::BusyKind::Loading);
@@ -295,11 +322,11 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     int rows = 0;
     GatheredFaults faults;
     int fatalExit = -1;
-    services::Trap(ui, LoadLocation, [&] {
-        if (mode == LoadMode::Build && load.BuildSQLSelectString)
-            TMM.SQL = load.BuildSQLSelectString();
+    load.failed = !services::Trap(ui, LoadLocation, [&] {
+        if (mode == LoadMode::Build)
+            BuildSql(TMM, load);
 
-        data::Database* db = load.UseLogDatabase ? TMM.logbookDb.get() : TMM.objectDb.get();
+        data::Database* db = TMM.UseLogDatabase ? TMM.logbookDb.get() : TMM.objectDb.get();
         if (!db)
             throw services::Fault("The database is not open.", LoadLocation);
         data::Recordset rs = db->OpenRecordset(TMM.SQL, data::Snapshot);
@@ -311,12 +338,12 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         }
         const long rowret = prefs.rowret;
         ui.Progress(static_cast<int>(rowret > 0 && rowret < count ? rowret : count));
-        load.selectedText = "Selected " + std::to_string(count) + " objects";
+        TMM.status.selected = "Selected " + std::to_string(count) + " objects";
         TMM.QueryRunning = true;
-        load.lastLoadSql = TMM.SQL;
+        TMM.lastLoadSql = TMM.SQL;
 
-        const BoundFields fields = Bind(rs, load.UseLogDatabase && prefs.UseCd);
-        const RowOptions options = OptionsFrom(prefs, load.PlanLoad);
+        const BoundFields fields = Bind(rs, TMM.UseLogDatabase && prefs.UseCd);
+        const RowOptions options = OptionsFrom(prefs, TMM.PlanLoad);
         const astro::ObservingClock clock = ClockFrom(prefs);
         const RowContext context{options, clock, computerClock, faults};
 
@@ -404,11 +431,11 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     if (fatalExit >= 0)
         services::EndProcess(fatalExit);
 
-    load.lblMisc = std::to_string(load.planCount) + " Object(s) In Your Plan";
+    TMM.status.lblMisc = std::to_string(load.planCount) + " Object(s) In Your Plan";
     TMM.QueryRunning = false;
     if (rows == 0)
         ui.ShowMessage(NoObjectsText, NoObjectsTitle, "I");
-    load.lblNOM = std::to_string(rows) + " Objects";
+    TMM.status.lblNOM = std::to_string(rows) + " Objects";
     load.allGcvs = seenGcvs && !seenOther;
     ui.Busy(services::BusyKind::Working);
     if (rows > 0) {
@@ -421,7 +448,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         // The distance to a home target is not shown yet, so column 23 keeps Separation.
         format.targetSet = false;
         format.allGcvs = load.allGcvs;
-        FormatSpreadsheet(grid, load.CurrTab, true, format);
+        FormatSpreadsheet(grid, TMM.CurrTab, true, format);
     }
     ui.EndBusy();
     grid.SetReDraw(true);

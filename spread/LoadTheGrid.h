@@ -31,13 +31,12 @@ inline constexpr const char* NoObjectsText =
 inline constexpr const char* NoObjectsTitle = "No Objects Found!";
 inline constexpr const char* LoadLocation = "ctlSpread.LoadTheGrid";
 
-// What a load needs beyond the application state, and what it leaves for the status band.
+// What a load needs beyond the application state, and what it tells its caller. The tab, the
+// database choice, the plan-load flag and the status texts live in the application state.
 struct GridLoad
 {
-    int CurrTab = 0;
-    bool UseLogDatabase = false; // the observed list runs on the logbook
-    bool PlanLoad = false;       // a plan or find result is loading: no row filters
-    // Builds the SQL from the filter controls (BuildSQLSelectString) for LoadMode::Build.
+    // Builds the SQL for LoadMode::Build; when empty, BuildSQLSelectString of the filter
+    // settings on the object database's catalogue and type tables, which also sets OrderBy.
     std::function<std::string()> BuildSQLSelectString;
     // The "pln" mark of an object in the tab's plan; " " when none is given.
     std::function<std::string_view(std::string_view objectId, std::string_view catalog)>
@@ -47,17 +46,16 @@ struct GridLoad
     int blockSize = 0;
 
     // Results.
-    std::string lastLoadSql;  // the SQL of the last finished load
-    std::string selectedText; // "Selected " count " objects"
-    std::string lblNOM;       // rows " Objects"
-    std::string lblMisc;      // plan count " Object(s) In Your Plan"
     bool allGcvs = false;
     bool cancelled = false;
+    bool failed = false; // the query or a record could not be read (reported already)
 };
 
-// LoadTheGrid: loads the grid of tab load.CurrTab.
-// Given: TMM (settings, databases, SQL, busy and cancel flags, the port), grid (the tab's),
-//   mode, load, computerClock.
+// LoadTheGrid: loads the grid of the current tab.
+// Given: TMM (settings, databases, SQL, CurrTab, UseLogDatabase, PlanLoad, busy and cancel
+//   flags, the port), grid (the current tab's, normally TMM.grids[TMM.CurrTab]), mode, load,
+//   computerClock.
+// Returned: the rows in grid; TMM.lastLoadSql, and TMM.status's selected, lblNOM and lblMisc.
 // Status: a failure while reading reports once under "ctlSpread.LoadTheGrid" and the rows read
 //   so far are kept and formatted; a cancel through the port's pump does the same.
 // Location: ctlSpread.LoadTheGrid

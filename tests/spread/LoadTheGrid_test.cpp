@@ -97,8 +97,9 @@ TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
     TMM.prefs.rowret = 5;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     EXPECT_EQ(Ids(), (std::vector<std::string>{"N2", "N4", "N6", "N8", "N10"}));
-    EXPECT_EQ(load.selectedText, "Selected 20 objects");
-    EXPECT_EQ(load.lblNOM, "5 Objects");
+    EXPECT_EQ(TMM.status.selected, "Selected 20 objects");
+    EXPECT_EQ(TMM.status.lblNOM, "5 Objects");
+    EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
     EXPECT_FALSE(TMM.QueryRunning);
     for (const auto& s : ui.shown)
         ADD_FAILURE() << s.message.ShortMessage << ": " << s.message.LongMessage;
@@ -164,7 +165,7 @@ TEST_F(LoadFixture, NoObjectsFoundAfterFiltersOrACancel)
         LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
         EXPECT_EQ(grid.MaxRows(), 0);
         EXPECT_EQ(ShownTitles(), std::vector<std::string>{NoObjectsTitle});
-        EXPECT_EQ(load.lblNOM, "0 Objects");
+        EXPECT_EQ(TMM.status.lblNOM, "0 Objects");
     }
 }
 
@@ -196,6 +197,97 @@ TEST_F(LoadFixture, OneQueryAtATime)
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     EXPECT_EQ(ShownTitles(), std::vector<std::string>{OneQueryTitle});
     EXPECT_EQ(grid.Text(1, 1), "kept");
+}
+
+// The observing date is kept in the regional short form: the same night typed under two
+// regional settings gives the same rows.
+TEST_F(LoadFixture, ObservingDateReadByTheRegionalRule)
+{
+    Insert(Alternating(6));
+    TMM.prefs.Prise = "Y";
+    TMM.prefs.optimum = true;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    std::vector<std::string> monthFirst;
+    for (int row = 1; row <= grid.MaxRows(); ++row)
+        monthFirst.emplace_back(grid.RowText(row));
+
+    struct Case
+    {
+        const char* dateformat;
+        const char* datesep;
+        const char* PDate;
+    };
+    const Case cases[] = {
+        {"dd.mm.yyyy", ".", "15.03.2024"},
+        {"yyyy-mm-dd", "-", "2024-03-15"},
+        {"dd/mm/yy", "/", "15/03/24"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.PDate);
+        TMM.prefs.dateformat = c.dateformat;
+        TMM.prefs.datesep = c.datesep;
+        TMM.prefs.PDate = c.PDate;
+        Grid other;
+        LoadTheGrid(TMM, other, LoadMode::NoBuild, load, clock);
+        ASSERT_EQ(other.MaxRows(), static_cast<int>(monthFirst.size()));
+        for (int row = 1; row <= other.MaxRows(); ++row)
+            EXPECT_EQ(other.RowText(row), monthFirst[static_cast<std::size_t>(row - 1)]) << row;
+    }
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+// BUILD without a builder of the caller's takes the filter settings; any other mode runs the
+// SQL as it stands.
+TEST_F(LoadFixture, BuildTakesTheFilterSettings)
+{
+    Insert({{"M 31", "0", 41}, {"NGC 7000", "20", 44}, {"M 42", "5", -5}});
+    TMM.objectDb->Execute("Insert Into CatalogLookup (CatalogName, CatalogDescription) Values "
+                          "('2000', 'NGC 2000')");
+    TMM.prefs.ObCat = "NGC 2000;";
+    TMM.prefs.Obcon = "";
+    TMM.prefs.gFDECD = "0";
+    TMM.prefs.PIB = "Y"; // the test objects have no magnitude
+    TMM.prefs.sort1 = "ObjectID";
+    TMM.SQL = "Select * From SelvaneTable Where ID = 3";
+    LoadTheGrid(TMM, grid, LoadMode::Build, load, clock);
+    EXPECT_EQ(Ids(), (std::vector<std::string>{"M 31", "NGC 7000"}));
+    EXPECT_NE(TMM.SQL.find("WHERE"), std::string::npos);
+    EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
+    EXPECT_FALSE(TMM.OrderBy.empty());
+    EXPECT_FALSE(load.failed);
+}
+
+TEST_F(LoadFixture, StateChoosesTheDatabaseTabAndFilters)
+{
+    Insert(Alternating(4));
+    TMM.prefs.Pminalt = "0";
+
+    // A plan load keeps the rows the altitude filter would drop.
+    TMM.PlanLoad = true;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(grid.MaxRows(), 4);
+    TMM.PlanLoad = false;
+
+    // The logbook holds no SelvaneTable here: the failure is reported once, the load says so.
+    data::OpenOptions create;
+    create.create = true;
+    TMM.logbookDb =
+        data::Database::Open(folder.filePath("log.mdb").toStdString(), create);
+    TMM.UseLogDatabase = true;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_TRUE(load.failed);
+    EXPECT_EQ(grid.MaxRows(), 0);
+    ASSERT_EQ(ui.shown.size(), 2u); // the fault, then "No Objects Found!"
+    EXPECT_NE(ui.shown[0].Text().find(LoadLocation), std::string::npos);
+    TMM.UseLogDatabase = false;
+
+    // An image tab holds no grid: nothing happens.
+    ui.shown.clear();
+    grid.AppendRow("kept");
+    TMM.CurrTab = 5;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(grid.Text(1, 1), "kept");
+    EXPECT_TRUE(ui.shown.empty());
 }
 
 TEST(ParseLoadMode, EverySpellingInUse)

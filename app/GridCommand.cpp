@@ -1,0 +1,76 @@
+#include "app/GridCommand.h"
+
+#include "spread/FormatSpreadsheet.h"
+#include "spread/LoadTheGrid.h"
+
+namespace app {
+
+GridArgs ParseGridArgs(const std::vector<std::string>& args)
+{
+    GridArgs g;
+    for (std::size_t i = 0; i < args.size() && g.error.empty(); ++i) {
+        const std::string& a = args[i];
+        if (a == "--sql") {
+            if (i + 1 >= args.size())
+                g.error = "--sql needs a query";
+            else
+                g.sql = args[++i];
+            if (g.error.empty() && g.sql.empty())
+                g.error = "--sql needs a query";
+        } else if (a == "--build")
+            g.build = true;
+        else if (a == "--count")
+            g.count = true;
+        else
+            g.error = "unknown argument \"" + a + "\" of grid";
+    }
+    if (g.error.empty() && g.build && !g.sql.empty())
+        g.error = "--sql and --build exclude each other";
+    return g;
+}
+
+int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
+                   const GridArgs& args, std::ostream& out, const astro::Clock& computerClock)
+{
+    if (!args.error.empty())
+        return 2;
+    if (!start.objectDatabaseOpen)
+        return 1;
+    spread::Grid& grid = TMM.grids[0];
+    TMM.CurrTab = 0;
+    if (!args.sql.empty() || args.build) {
+        if (!args.sql.empty())
+            TMM.SQL = args.sql;
+        spread::GridLoad load;
+        spread::LoadTheGrid(TMM, grid,
+                            args.build ? spread::LoadMode::Build : spread::LoadMode::NoBuild,
+                            load, computerClock);
+        if (load.failed)
+            return 1;
+    } else if (!start.startListLoaded) {
+        return 1;
+    }
+
+    if (args.count) {
+        out << grid.MaxRows() << "\n";
+        return 0;
+    }
+    // A list without rows is never formatted; its headers are still those of a format.
+    if (grid.Header(1).empty())
+        spread::FormatSpreadsheet(grid, 0, false, {});
+    std::string line;
+    for (int row = 0; row <= grid.MaxRows(); ++row) {
+        line.clear();
+        for (int col = 1; col <= spread::kGridCols; ++col) {
+            if (col > 1)
+                line += '\t';
+            line += row == 0 ? std::string_view(grid.Header(col)) : grid.Text(row, col);
+        }
+        line += '\n';
+        out << line;
+    }
+    out.flush();
+    return out ? 0 : 1;
+}
+
+} // namespace app

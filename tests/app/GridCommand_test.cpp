@@ -1,0 +1,209 @@
+// selvane-cli grid run as a program on the built small edition (SelvPro13000.mdb), in a fresh
+// program folder with its own settings file.
+
+#include <gtest/gtest.h>
+
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <array>
+#include <string>
+#include <vector>
+
+namespace {
+
+struct CliRun
+{
+    int exit = -1;
+    std::vector<std::string> lines;
+    std::string err;
+};
+
+std::vector<std::string> Split(const std::string& text, char separator)
+{
+    std::vector<std::string> parts;
+    std::size_t start = 0;
+    for (;;) {
+        const std::size_t end = text.find(separator, start);
+        parts.push_back(text.substr(start, end - start));
+        if (end == std::string::npos)
+            return parts;
+        start = end + 1;
+    }
+}
+
+class SelvaneCli : public ::testing::Test
+{
+protected:
+    // Runs selvane-cli with the small edition and a fixed night at latitude 40.5 N, longitude
+    // 74 W, then the given settings and command.
+    CliRun Cli(const QStringList& args, const QString& lang = "C")
+    {
+        QProcess process;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"SELVANE_HOME", "SELVANE_SETTINGS", "LC_ALL", "LC_TIME",
+                                 "LC_NUMERIC", "LANGUAGE"})
+            env.remove(name);
+        env.insert("LANG", lang);
+        process.setProcessEnvironment(env);
+        QStringList all{"--home", home.path(), "--settings", home.filePath("s.ini"),
+                        "--set", "cdDrive=" SELVANE_RESOURCES "/SelvPro13000.mdb",
+                        "--set", "Plat=40.5", "--set", "PLon=74", "--set", "PTz=5",
+                        "--set", "Ptime=22:00"};
+        if (lang == "C")
+            all << "--set" << "PDate=03/15/2024";
+        all << args;
+        process.start(SELVANE_CLI, all);
+        EXPECT_TRUE(process.waitForFinished(120000));
+        CliRun run;
+        run.exit = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
+        std::string out = process.readAllStandardOutput().toStdString();
+        if (!out.empty() && out.back() == '\n')
+            out.pop_back();
+        if (!out.empty())
+            run.lines = Split(out, '\n');
+        run.err = process.readAllStandardError().toStdString();
+        return run;
+    }
+
+    QTemporaryDir home;
+};
+
+constexpr const char* Headers =
+    "pln\timg\tobs\tObjectID\tOther ID\tType\tR.A.\tDec.\tEpoch\tAlt\tAzm\tRise\tTransit\tSet\t"
+    "Const\tSize\tMag 1\tMag 2\tmcode\tGal Lon\tGal Lat\tPos Ang\tSep\tCatalog\tImage Path\t"
+    "Herschel\tRecordID\tSky#\tUra#\tMillennium#\tDesc";
+
+// The computed columns, by their grid column numbers (1 is the first cell of a line).
+constexpr std::array<int, 8> Computed{10, 11, 12, 13, 14, 28, 29, 30};
+
+TEST_F(SelvaneCli, MessierListWithItsComputedColumns)
+{
+    struct Case
+    {
+        const char* name;
+        QStringList sets;
+        std::array<bool, 8> filled; // Alt, Azm, Rise, Transit, Set, Sky#, Ura#, Millennium#
+    };
+    const QStringList allOn{"--set", "Prise=Y", "--set", "optimum=True", "--set",
+                            "ShowCharts=True"};
+    const std::vector<Case> cases{
+        {"settings' defaults: altitude only", {}, {true, true, false, false, false, false,
+                                                   false, false}},
+        {"every computed column", allOn, {true, true, true, true, true, true, true, true}},
+        {"turbo mode computes nothing", allOn + QStringList{"--set", "speed1=True"},
+         {false, false, false, false, false, false, false, false}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const CliRun run = Cli(c.sets + QStringList{"grid"});
+        ASSERT_EQ(run.exit, 0) << run.err;
+        ASSERT_EQ(run.lines.size(), 111u);
+        EXPECT_EQ(run.lines[0], Headers);
+        for (std::size_t i = 1; i < run.lines.size(); ++i) {
+            const std::vector<std::string> cells = Split(run.lines[i], '\t');
+            ASSERT_EQ(cells.size(), 31u) << run.lines[i];
+            const auto cell = [&](int col) { return cells[static_cast<std::size_t>(col - 1)]; };
+            // In Messier order; M 40 and M 45 have their Messier name as ObjectID.
+            const std::string messier = "M " + std::to_string(i);
+            EXPECT_TRUE(cell(5) == messier || cell(4) == messier) << run.lines[i];
+            for (std::size_t k = 0; k < Computed.size(); ++k) {
+                // A circumpolar object has no setting time.
+                const bool expect = c.filled[k] && !(Computed[k] == 14 && cell(12) == "CPolar");
+                EXPECT_EQ(!cell(Computed[k]).empty(), expect)
+                    << cell(5) << " column " << Computed[k];
+            }
+        }
+        EXPECT_EQ(run.err, "");
+    }
+}
+
+// Values that pass through the whole load: the position columns of M 42 and its atlas pages,
+// and a circumpolar object at this latitude.
+TEST_F(SelvaneCli, KnownRowsOfTheList)
+{
+    const CliRun run = Cli({"--set", "Prise=Y", "--set", "ShowCharts=True", "grid"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    ASSERT_EQ(run.lines.size(), 111u);
+    const std::vector<std::string> m42 = Split(run.lines[42], '\t');
+    EXPECT_EQ(m42[4], "M 42");
+    EXPECT_EQ(m42[5], "Nb");
+    EXPECT_EQ(m42[6], "05 35 16.5");
+    EXPECT_EQ(m42[7], "-05 23 22.8");
+    EXPECT_EQ(m42[14], "Ori");
+    // Sky Atlas 2000.0 chart 11 and Uranometria 2000.0 chart 225 hold the Orion nebula.
+    EXPECT_EQ(m42[27], "11");
+    EXPECT_EQ(m42[28], "225");
+    const std::vector<std::string> m81 = Split(run.lines[81], '\t');
+    EXPECT_EQ(m81[4], "M 81");
+    EXPECT_EQ(m81[11], "CPolar");
+    EXPECT_EQ(m81[13], "");
+}
+
+// The same night typed in the regional short date of the machine gives the same list.
+TEST_F(SelvaneCli, ObservingDateInTheRegionalForm)
+{
+    const QStringList night{"--set", "Prise=Y", "--set", "optimum=True", "grid"};
+    const CliRun c = Cli(night);
+    const CliRun german = Cli(QStringList{"--set", "PDate=15.03.2024"} + night, "de_DE.UTF-8");
+    ASSERT_EQ(c.exit, 0) << c.err;
+    ASSERT_EQ(german.exit, 0) << german.err;
+    EXPECT_EQ(german.lines, c.lines);
+}
+
+TEST_F(SelvaneCli, CountsQueriesAndExitStatus)
+{
+    struct Case
+    {
+        const char* name;
+        QStringList args;
+        int exit;
+        std::vector<std::string> lines; // empty: not checked
+        const char* err;                // a text stderr holds
+    };
+    const std::vector<Case> cases{
+        {"count of the start list", {"grid", "--count"}, 0, {"110"}, ""},
+        {"a query", {"grid", "--sql", "Select * From SelvaneTable Where MessierNumber = 31",
+                     "--count"}, 0, {"1"}, ""},
+        // No row is no error: the message goes to stderr, the header line still comes.
+        {"no row", {"grid", "--sql", "Select * From SelvaneTable Where ID = -1"}, 0,
+         {Headers}, "No Objects Found!"},
+        {"with Palt off every altitude is 0", {"--set", "Palt=N", "--set", "Pminalt=1", "grid",
+                                               "--count"}, 0, {"0"}, "No Objects Found!"},
+        {"a query that fails", {"grid", "--sql", "Select * From Nowhere"}, 1, {},
+         "no such table"},
+        {"no object database", {"--set", "cdDrive=/nonexistent/SelvPro708000.mdb", "grid"}, 1,
+         {}, "The object database could not be opened."},
+        {"usage", {"grid", "--sql"}, 2, {}, "--sql needs a query"},
+        {"unknown command", {"grids"}, 2, {}, "unknown command"},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const CliRun run = Cli(c.args);
+        EXPECT_EQ(run.exit, c.exit) << run.err;
+        if (!c.lines.empty()) {
+            EXPECT_EQ(run.lines, c.lines);
+        }
+        if (c.exit != 0) {
+            EXPECT_TRUE(run.lines.empty());
+        }
+        EXPECT_NE(run.err.find(c.err), std::string::npos) << run.err;
+    }
+}
+
+TEST_F(SelvaneCli, BuildRunsTheFilterSettings)
+{
+    const CliRun run = Cli({"--set", "ObCat=NGC 2000;", "--set", "Obcon=And-Andromeda;", "--set",
+                         "sort1=ObjectID", "--set", "Des1=D", "grid", "--build"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    ASSERT_GE(run.lines.size(), 3u);
+    std::string previous = "~";
+    for (std::size_t i = 1; i < run.lines.size(); ++i) {
+        const std::vector<std::string> cells = Split(run.lines[i], '\t');
+        EXPECT_EQ(cells[14], "And") << run.lines[i];
+        EXPECT_LE(cells[3], previous) << "descending by ObjectID";
+        previous = cells[3];
+    }
+}
+
+} // namespace
