@@ -3,6 +3,7 @@
 #include "astro/Text.h"
 #include "astro/constants.h"
 
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -32,9 +33,9 @@ void ReadTimeText(std::string_view time, double& hour, double& minute)
     minute = LeadingNumber(time.substr(std::min<std::size_t>(3, time.size()), 2));
 }
 
-// Hour angle, decimal hours, of right ascension raHours at a local date and clock time.
-double HourAngleAt(const ObservingClock& clock, const CivilDate& date, double hour, double minute,
-                   double raHours)
+// Local sidereal time, hours, at a local date and clock time.
+double LocalSiderealAt(const ObservingClock& clock, const CivilDate& date, double hour,
+                       double minute)
 {
     // Unlike ConvertToGMT, the whole zone counts here, fraction and daylight hour included.
     hour += clock.PTz;
@@ -54,10 +55,22 @@ double HourAngleAt(const ObservingClock& clock, const CivilDate& date, double ho
         lst -= 24;
     if (lst < 0)
         lst += 24;
+    return lst;
+}
+
+double HourAngleFrom(double lst, double raHours)
+{
     double ha = lst - raHours;
     if (ha < 0)
         ha += 24;
     return ha;
+}
+
+// Hour angle, decimal hours, of right ascension raHours at a local date and clock time.
+double HourAngleAt(const ObservingClock& clock, const CivilDate& date, double hour, double minute,
+                   double raHours)
+{
+    return HourAngleFrom(LocalSiderealAt(clock, date, hour, minute), raHours);
 }
 
 Hms ToHms(double hours)
@@ -113,43 +126,12 @@ void WriteRiseSetTime(double t, bool timesAMPM, std::string& out)
     out.assign(buffer, n);
 }
 
-} // namespace
-
-std::string RiseSetTimeText(double hours, bool timesAMPM)
+// CalcAltAzm for the sine and cosine of the latitude.
+AltAzm AltAzmAt(double sinPhi, double cosPhi, const Hms& hourAngle, const Dms& dec,
+                FaultSink& faults)
 {
-    std::string text;
-    WriteRiseSetTime(hours, timesAMPM, text);
-    return text;
-}
-
-Hms CalcHourAngle(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
-                  bool usePtime, FaultSink& faults)
-{
-    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
-    if (!date) {
-        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
-        return {};
-    }
-    double hour = 0;
-    double minute = 0;
-    if (clock.UseRealTime != "Y" || usePtime) {
-        ReadTimeText(clock.Ptime, hour, minute);
-    } else {
-        const LocalDateTime now = computerClock.Now();
-        hour = now.hour;
-        minute = now.minute;
-    }
-    return ToHms(HourAngleAt(clock, *date, hour, minute, Decimal(ra)));
-}
-
-AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& dec,
-                  FaultSink& faults)
-{
-    const double phi = CalcRadians(clock.Plat);
     const double H = CalcRadians(Decimal(hourAngle)) * 15;
     const double delta = CalcRadians(Decimal(dec));
-    const double sinPhi = std::sin(phi);
-    const double cosPhi = std::cos(phi);
     const double sinDelta = std::sin(delta);
     const double s = cosPhi * std::cos(delta) * std::cos(H) + sinDelta * sinPhi;
     const double a = CalcASN(s, faults);
@@ -164,22 +146,26 @@ AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& 
     return {CalcDegrees(a), CalcDegrees(A)};
 }
 
-RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
-                     const Dms& dec, FaultSink& faults)
+// What RiseSet takes from the clock and site.
+struct RiseSetSite
+{
+    double L = 0;  // longitude, hours east
+    double G0 = 0; // Gtime's sidereal time at 0h of the date
+    double D = 0;  // the horizon, radians
+    double sinPhi = 0, cosPhi = 0;
+    double PTz = 0;
+    bool standardTime = true;
+    bool timesAMPM = true;
+};
+
+RiseSetTimes RiseSetAt(const RiseSetSite& site, const Hms& ra, const Dms& dec, FaultSink& faults)
 {
     RiseSetTimes out;
-    const double L = -clock.Plon / 15;
-    const double phi = CalcRadians(clock.Plat);
-    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
-    if (!date) {
-        faults.ReportFault(kTypeMismatch, "Module1.RiseSet");
-        return out;
-    }
     const double alpha = Decimal(ra);
     const double delta = CalcRadians(Decimal(dec));
-    const double D = CalcRadians(ConvertToDecimal(0, kHorizonArcMinutes, 0));
-    const double cosPhi = std::cos(phi);
-    const double sinPhi = std::sin(phi);
+    const double D = site.D;
+    const double cosPhi = site.cosPhi;
+    const double sinPhi = site.sinPhi;
     const double cosDelta = std::cos(delta);
     if (std::fabs(cosDelta * cosPhi) < 1e-10) {
         out.status = 2;
@@ -219,19 +205,98 @@ RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, co
             v += 24;
         if (v > 24)
             v -= 24;
-        const GtimeResult g = Gtime(v - L, static_cast<std::int16_t>(date->year),
-                                    static_cast<std::int16_t>(date->month), date->day, 0.0);
+        const GtimeResult g = GtimeFromG0(v - site.L, site.G0, 0.0);
         double t = ConvertToDecimal(g.seconds, g.minutes, g.hours);
-        t = t - clock.PTz;
-        if (clock.PStd != "S")
+        t = t - site.PTz;
+        if (!site.standardTime)
             t += 1;
         if (t < 0)
             t += 24;
         if (t >= 24)
             t -= 24;
-        WriteRiseSetTime(t, clock.timesAMPM, *texts[k]);
+        WriteRiseSetTime(t, site.timesAMPM, *texts[k]);
     }
     return out;
+}
+
+// The best time's text of a sample's clock time.
+void WriteBestTime(int bestHour, int bestMinute, bool timesAMPM, std::string& out)
+{
+    char buffer[32];
+    std::size_t n = 0;
+    if (!timesAMPM) {
+        n = HoursMinutes(bestHour, bestMinute, buffer);
+    } else if (bestHour < 12) {
+        n = HoursMinutes(bestHour == 0 ? 12 : bestHour, bestMinute, buffer);
+        n = Append(buffer, n, " AM");
+    } else {
+        n = HoursMinutes(bestHour > 12 ? bestHour - 12 : bestHour, bestMinute, buffer);
+        n = Append(buffer, n, " PM");
+    }
+    out.assign(buffer, n);
+}
+
+} // namespace
+
+std::string RiseSetTimeText(double hours, bool timesAMPM)
+{
+    std::string text;
+    WriteRiseSetTime(hours, timesAMPM, text);
+    return text;
+}
+
+Hms CalcHourAngle(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                  bool usePtime, FaultSink& faults)
+{
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date) {
+        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
+        return {};
+    }
+    double hour = 0;
+    double minute = 0;
+    if (clock.UseRealTime != "Y" || usePtime) {
+        ReadTimeText(clock.Ptime, hour, minute);
+    } else {
+        const LocalDateTime now = computerClock.Now();
+        hour = now.hour;
+        minute = now.minute;
+    }
+    return ToHms(HourAngleAt(clock, *date, hour, minute, Decimal(ra)));
+}
+
+AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& dec,
+                  FaultSink& faults)
+{
+    const double phi = CalcRadians(clock.Plat);
+    return AltAzmAt(std::sin(phi), std::cos(phi), hourAngle, dec, faults);
+}
+
+AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const Dms& dec, FaultSink& faults)
+{
+    return AltAzmAt(plan.sinPhi, plan.cosPhi, hourAngle, dec, faults);
+}
+
+RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
+                     const Dms& dec, FaultSink& faults)
+{
+    RiseSetSite site;
+    site.L = -clock.Plon / 15;
+    const double phi = CalcRadians(clock.Plat);
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date) {
+        faults.ReportFault(kTypeMismatch, "Module1.RiseSet");
+        return {};
+    }
+    site.G0 = GtimeG0(static_cast<std::int16_t>(date->year), static_cast<std::int16_t>(date->month),
+                      date->day);
+    site.D = CalcRadians(ConvertToDecimal(0, kHorizonArcMinutes, 0));
+    site.cosPhi = std::cos(phi);
+    site.sinPhi = std::sin(phi);
+    site.PTz = clock.PTz;
+    site.standardTime = clock.PStd == "S";
+    site.timesAMPM = clock.timesAMPM;
+    return RiseSetAt(site, ra, dec, faults);
 }
 
 BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& computerClock,
@@ -280,18 +345,165 @@ BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& compute
         out.bestTime = "n/a";
         return out;
     }
-    char buffer[32];
-    std::size_t n = 0;
-    if (!clock.timesAMPM) {
-        n = HoursMinutes(bestHour, bestMinute, buffer);
-    } else if (bestHour < 12) {
-        n = HoursMinutes(bestHour == 0 ? 12 : bestHour, bestMinute, buffer);
-        n = Append(buffer, n, " AM");
+    WriteBestTime(bestHour, bestMinute, clock.timesAMPM, out.bestTime);
+    return out;
+}
+
+SkyPlan MakeSkyPlan(const ObservingClock& clock, const Clock& computerClock)
+{
+    SkyPlan plan;
+    plan.clock = clock;
+    plan.L = -clock.Plon / 15;
+    plan.phi = CalcRadians(clock.Plat);
+    plan.cosPhi = std::cos(plan.phi);
+    plan.sinPhi = std::sin(plan.phi);
+    plan.D = CalcRadians(ConvertToDecimal(0, kHorizonArcMinutes, 0));
+    plan.standardTime = clock.PStd == "S";
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date)
+        return plan;
+    plan.dateValid = true;
+    plan.year = static_cast<std::int16_t>(date->year);
+    plan.month = static_cast<std::int16_t>(date->month);
+    plan.day = date->day;
+    plan.G0 = GtimeG0(plan.year, plan.month, plan.day);
+    double hour = 0;
+    double minute = 0;
+    if (clock.UseRealTime != "Y") {
+        ReadTimeText(clock.Ptime, hour, minute);
     } else {
-        n = HoursMinutes(bestHour > 12 ? bestHour - 12 : bestHour, bestMinute, buffer);
-        n = Append(buffer, n, " PM");
+        const LocalDateTime now = computerClock.Now();
+        hour = now.hour;
+        minute = now.minute;
     }
-    out.bestTime.assign(buffer, n);
+    plan.lst = LocalSiderealAt(clock, *date, hour, minute);
+    return plan;
+}
+
+Hms CalcHourAngle(const SkyPlan& plan, const Hms& ra, FaultSink& faults)
+{
+    if (!plan.dateValid) {
+        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
+        return {};
+    }
+    return ToHms(HourAngleFrom(plan.lst, Decimal(ra)));
+}
+
+RiseSetTimes RiseSet(const SkyPlan& plan, const Hms& ra, const Dms& dec, FaultSink& faults)
+{
+    if (!plan.dateValid) {
+        faults.ReportFault(kTypeMismatch, "Module1.RiseSet");
+        return {};
+    }
+    RiseSetSite site;
+    site.L = plan.L;
+    site.G0 = plan.G0;
+    site.D = plan.D;
+    site.sinPhi = plan.sinPhi;
+    site.cosPhi = plan.cosPhi;
+    site.PTz = plan.clock.PTz;
+    site.standardTime = plan.standardTime;
+    site.timesAMPM = plan.clock.timesAMPM;
+    return RiseSetAt(site, ra, dec, faults);
+}
+
+BestTimePlan MakeBestTimePlan(const ObservingClock& clock, const Clock& computerClock,
+                              std::int16_t step)
+{
+    BestTimePlan plan;
+    plan.clock = clock;
+    const double phi = CalcRadians(clock.Plat);
+    plan.sinPhi = std::sin(phi);
+    plan.cosPhi = std::cos(phi);
+    plan.shortcut = plan.cosPhi >= 0.01;
+    const std::optional<CivilDate> date = ObservingDate(clock, computerClock);
+    if (!date)
+        return plan;
+    plan.dateValid = true;
+    const int minuteStep = step;
+    for (int h = 1; h <= 24; ++h) {
+        const int hour = h == 24 ? 0 : h;
+        for (int m = 1; minuteStep >= 1 && m <= 59; m += minuteStep) {
+            plan.samples.push_back({static_cast<std::int8_t>(hour), static_cast<std::int8_t>(m),
+                                    LocalSiderealAt(clock, *date, hour, m)});
+        }
+    }
+    return plan;
+}
+
+BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dms& dec,
+                               FaultSink& faults)
+{
+    BestTime out;
+    if (!plan.dateValid) {
+        faults.ReportFault(kTypeMismatch, "Module1.CalcHourAngle");
+        out.bestTime = "n/a";
+        return out;
+    }
+    const double raHours = Decimal(ra);
+    const std::size_t count = plan.samples.size();
+    double best = 0;
+    double bestAzimuth = 0;
+    int bestHour = -1;
+    int bestMinute = 0;
+    // Ties keep the earlier sample, so the search yields the first sample of the highest
+    // altitude when that is above 0.
+    const auto consider = [&](const BestTimePlan::Sample& sample, const AltAzm& position) {
+        if (position.altitude > best) {
+            best = position.altitude;
+            bestAzimuth = position.azimuth;
+            bestHour = sample.hour;
+            bestMinute = sample.minute;
+        }
+    };
+
+    const auto evaluate = [&](const BestTimePlan::Sample& sample) {
+        return AltAzmAt(plan.sinPhi, plan.cosPhi, ToHms(HourAngleFrom(sample.lst, raHours)), dec,
+                        faults);
+    };
+    const double cosDelta = std::cos(CalcRadians(Decimal(dec)));
+    // At most 24 x 59 samples, with a step of 1 minute.
+    constexpr std::size_t kMaxSamples = 24 * 59;
+    if (!plan.shortcut || count > kMaxSamples || !(raHours >= 0 && raHours <= 24) ||
+        !(plan.cosPhi * cosDelta >= 1e-3)) {
+        for (const BestTimePlan::Sample& sample : plan.samples)
+            consider(sample, evaluate(sample));
+    } else {
+        // The sine of a sample's altitude is s = cos(lat) cos(dec) cos(H) + sin(dec) sin(lat),
+        // and the altitude rises with it: the highest samples are those nearest the meridian.
+        // A sample 0.04 hours (0.0105 radians) farther from it than the nearest one has an s
+        // lower by at least cos(lat) cos(dec) x 5e-5, far beyond rounding (some 1e-15), so only
+        // the samples within that band go through CalcAltAzm to be compared.
+        // The arcsines of CalcAltAzm can fault only near the meridian, above or below the pole:
+        // the cosine c of the azimuth obeys 1 - c^2 >= (cos(dec) sin(H))^2, and with the site
+        // 0.01 from a pole or more and (cos(dec) sin(H))^2 >= 1e-4 its rounding error (some
+        // 1e-11) cannot take it past 1, nor can s pass 1. |sin(H)| >= 0.01 / cos(dec) holds at
+        // 0.06 / cos(dec) hours from hour angle 0 or 12 and beyond, so the samples nearer than
+        // that (with 1e-4 hours for the tenth of a second H is rounded to) go through
+        // CalcAltAzm too, in the search's order, so that a fault is the plain search's own.
+        const double unsafeHours = 0.06 / std::fabs(cosDelta) + 1e-4;
+        double fromMeridian[kMaxSamples];
+        double nearest = 24;
+        for (std::size_t i = 0; i < count; ++i) {
+            const double ha = HourAngleFrom(plan.samples[i].lst, raHours);
+            const double d0 = std::min(ha, 24 - ha);
+            if (d0 < unsafeHours || std::fabs(ha - 12) < unsafeHours)
+                evaluate(plan.samples[i]);
+            fromMeridian[i] = d0;
+            nearest = std::min(nearest, d0);
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            if (fromMeridian[i] < nearest + 0.04)
+                consider(plan.samples[i], evaluate(plan.samples[i]));
+        }
+    }
+    out.bestAltitude = RoundPlaces(best, 2);
+    out.bestAzimuth = RoundPlaces(bestAzimuth, 2);
+    if (bestHour < 0) {
+        out.bestTime = "n/a";
+        return out;
+    }
+    WriteBestTime(bestHour, bestMinute, plan.clock.timesAMPM, out.bestTime);
     return out;
 }
 

@@ -19,6 +19,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace astro {
 
@@ -96,6 +97,71 @@ struct BestTime
 BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& computerClock,
                                const Hms& ra, const Dms& dec, std::int16_t step, FaultSink& faults,
                                SampleProgress* progress = nullptr);
+
+// ---------------------------------------------------------------------------------------
+// Plans: the same routines for a whole list of objects at one observing clock. What depends
+// only on the clock and site (the date, sidereal times, the site's trigonometry) is worked out
+// once; each object then costs only its own part. Results are bit for bit those of the plain
+// routines for the same clock, with one difference: under real time the computer clock is read
+// once, when the plan is made, instead of once per object.
+
+// What CalcHourAngle (flag false) and RiseSet take from the clock.
+struct SkyPlan
+{
+    ObservingClock clock;
+    bool dateValid = false; // false: PDate is not a date
+    std::int16_t year = 0, month = 0;
+    double day = 0;
+    double lst = 0; // local sidereal time of the clock, hours
+    double G0 = 0;  // Gtime's sidereal time at 0h of the date, hours
+    double L = 0;   // longitude, hours east
+    double phi = 0; // latitude, radians (short constants)
+    double sinPhi = 0, cosPhi = 0;
+    double D = 0; // the rise and set horizon, radians
+    bool standardTime = true;
+};
+
+SkyPlan MakeSkyPlan(const ObservingClock& clock, const Clock& computerClock);
+
+// CalcHourAngle(clock, computerClock, ra, false, faults) for the plan's clock.
+// Location: Module1.CalcHourAngle
+Hms CalcHourAngle(const SkyPlan& plan, const Hms& ra, FaultSink& faults);
+
+// CalcAltAzm(clock, hourAngle, dec, faults) for the plan's latitude.
+AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const Dms& dec, FaultSink& faults);
+
+// RiseSet(clock, computerClock, ra, dec, faults) for the plan's clock.
+// Location: Module1.RiseSet
+RiseSetTimes RiseSet(const SkyPlan& plan, const Hms& ra, const Dms& dec, FaultSink& faults);
+
+// The best-time search's samples for one clock and step: each sample's clock time and local
+// sidereal time.
+struct BestTimePlan
+{
+    struct Sample
+    {
+        std::int8_t hour = 0;
+        std::int8_t minute = 0;
+        double lst = 0; // hours
+    };
+    ObservingClock clock;
+    bool dateValid = false;
+    std::vector<Sample> samples; // in the search's order
+    double cosPhi = 0, sinPhi = 0;
+    // The site is far enough from a pole for the shortcut of FindBestTimeToObserve(plan, ...).
+    bool shortcut = false;
+};
+
+BestTimePlan MakeBestTimePlan(const ObservingClock& clock, const Clock& computerClock,
+                              std::int16_t step);
+
+// FindBestTimeToObserve(clock, computerClock, ra, dec, step, faults) for the plan's clock and
+// step, without progress. Notes: the altitude of each sample is compared through the sine of
+// it; only the samples that can be the highest, or whose azimuth could fault, go through
+// CalcAltAzm, so that the result, the faults included, is that of the plain routine.
+// Location: Module1.CalcHourAngle (the date)
+BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dms& dec,
+                               FaultSink& faults);
 
 struct Equatorial
 {

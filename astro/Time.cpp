@@ -196,14 +196,23 @@ double Log10(double x, FaultSink& faults)
 
 GtimeResult Gtime(double time, std::int16_t year, std::int16_t month, double day, double mode)
 {
-    GtimeResult out;
+    return GtimeFromG0(time, GtimeG0(year, month, day), mode);
+}
+
+double GtimeG0(std::int16_t year, std::int16_t month, double day)
+{
     const double DJ = CalcJulian(day, month, year);
     const double D0 = CalcJulian(0, 1, year);
     const double T = D0 / 36525.0;
     const double R = 6.6460656 + (0.051262 + 2.581e-5 * T) * T;
     const double B = (T - (year - 1900) / 100.0) * 2400.0;
     const double Tz = 24.0 - R - B;
-    double G0 = (DJ - D0) * kSiderealGainPerDay - Tz;
+    return (DJ - D0) * kSiderealGainPerDay - Tz;
+}
+
+GtimeResult GtimeFromG0(double time, double G0, double mode)
+{
+    GtimeResult out;
     if (mode == 1.0) {
         double r = time * kSiderealPerSolar + G0;
         if (r > 24)

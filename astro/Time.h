@@ -126,6 +126,12 @@ struct GtimeResult
 // The result of mode 1.0 stays 24 when it is exactly 24.
 GtimeResult Gtime(double time, std::int16_t year, std::int16_t month, double day, double mode);
 
+// Gtime in two steps, for many times on one date: GtimeG0 is the date's part (G0, hours), and
+// GtimeFromG0(time, GtimeG0(year, month, day), mode) is exactly Gtime(time, year, month, day,
+// mode).
+double GtimeG0(std::int16_t year, std::int16_t month, double day);
+GtimeResult GtimeFromG0(double time, double G0, double mode);
+
 // Universal Time of the observing clock, as the sun, moon and planet routines read it.
 struct UTInstant
 {

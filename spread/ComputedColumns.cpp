@@ -1,31 +1,79 @@
 #include "spread/ComputedColumns.h"
 
 #include <charconv>
+#include <optional>
 
 #include "astro/Position.h"
 #include "charts/AtlasPages.h"
-#include "spread/FixedFormat.h"
+#include "services/VbFixed.h"
 #include "spread/Grid.h"
 
 namespace spread {
 namespace {
 
+using services::vb::FixedFormat;
+
 // A value rounded through a display pattern and kept as a number, as the filters see it.
 double Rounded(const FixedFormat& format, double value)
 {
+    if (const std::optional<double> rounded = format.RoundedValue(value))
+        return *rounded;
     char buffer[FixedFormat::kMaxText];
     return CellValue(std::string_view(buffer, format.Write(value, buffer)));
 }
 
-template <std::size_t N>
-void AssignInteger(FixedText<N>& text, int value)
+template <std::size_t N> void AssignInteger(FixedText<N>& text, int value)
 {
     char buffer[16];
     const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
     text.Assign(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
 }
 
+bool SameClock(const astro::ObservingClock& a, const astro::ObservingClock& b)
+{
+    return a.Plat == b.Plat && a.Plon == b.Plon && a.PTz == b.PTz && a.timesAMPM == b.timesAMPM &&
+           a.PStd == b.PStd && a.PDate == b.PDate && a.Ptime == b.Ptime &&
+           a.UseRealTime == b.UseRealTime;
+}
+
 } // namespace
+
+RowPlans MakeRowPlans(const astro::ObservingClock& clock, const astro::Clock& computerClock,
+                      int PInterval, bool optimum)
+{
+    RowPlans plans;
+    plans.sky = astro::MakeSkyPlan(clock, computerClock);
+    if (optimum)
+        plans.best =
+            astro::MakeBestTimePlan(clock, computerClock, static_cast<std::int16_t>(PInterval));
+    plans.computerClock = &computerClock;
+    plans.PInterval = PInterval;
+    plans.optimum = optimum;
+    return plans;
+}
+
+RowPlanCache::RowPlanCache() = default;
+RowPlanCache::~RowPlanCache() = default;
+
+const RowPlans* RowPlanCache::Find(const astro::ObservingClock& clock,
+                                   const astro::Clock& computerClock, int PInterval, bool optimum)
+{
+    const RowPlans* plans = ready_.load(std::memory_order_acquire);
+    if (plans == nullptr) {
+        std::lock_guard lock(mutex_);
+        plans = ready_.load(std::memory_order_relaxed);
+        if (plans == nullptr) {
+            plans_ =
+                std::make_unique<RowPlans>(MakeRowPlans(clock, computerClock, PInterval, optimum));
+            plans = plans_.get();
+            ready_.store(plans, std::memory_order_release);
+        }
+    }
+    if (plans->computerClock != &computerClock || plans->PInterval != PInterval ||
+        plans->optimum != optimum || !SameClock(plans->sky.clock, clock))
+        return nullptr;
+    return plans;
+}
 
 void ComputeColumns(const RowOptions& options, const astro::ObservingClock& clock,
                     const astro::Clock& computerClock, double epochYear, Position& position,
@@ -46,6 +94,15 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
         computed.millennium.Assign(pages.millennium);
     }
 
+    const RowPlans* plans = options.plans ? options.plans->Find(clock, computerClock,
+                                                                options.PInterval, options.optimum)
+                                          : nullptr;
+    std::optional<RowPlans> own;
+    if (plans == nullptr && (options.optimum || options.Palt || options.Prise)) {
+        own.emplace(MakeRowPlans(clock, computerClock, options.PInterval, options.optimum));
+        plans = &*own;
+    }
+
     astro::Hms ra{position.raHours, position.raMinutes, position.raSeconds};
     astro::Dms dec{position.decDegrees, position.decMinutes, position.decSeconds};
     if (options.precess) {
@@ -58,20 +115,19 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
     }
 
     if (options.optimum) {
-        const astro::BestTime best = astro::FindBestTimeToObserve(
-            clock, computerClock, ra, dec, static_cast<std::int16_t>(options.PInterval), faults);
+        const astro::BestTime best = astro::FindBestTimeToObserve(plans->best, ra, dec, faults);
         computed.transit.Assign(best.bestTime);
     }
 
     if (options.Palt) {
-        const astro::Hms hourAngle = astro::CalcHourAngle(clock, computerClock, ra, false, faults);
-        const astro::AltAzm altAzm = astro::CalcAltAzm(clock, hourAngle, dec, faults);
+        const astro::Hms hourAngle = astro::CalcHourAngle(plans->sky, ra, faults);
+        const astro::AltAzm altAzm = astro::CalcAltAzm(plans->sky, hourAngle, dec, faults);
         computed.alt = Rounded(kAltitude, Rounded(kAzimuth, altAzm.altitude));
         computed.azm = Rounded(kAzimuth, altAzm.azimuth);
     }
 
     if (options.Prise) {
-        const astro::RiseSetTimes times = astro::RiseSet(clock, computerClock, ra, dec, faults);
+        const astro::RiseSetTimes times = astro::RiseSet(plans->sky, ra, dec, faults);
         if (times.status == -1) {
             computed.rise.Assign("CPolar");
         } else if (times.status == 1) {

@@ -5,9 +5,24 @@
 
 #include "astro/FaultSink.h"
 #include "astro/ObservingClock.h"
+#include "astro/Position.h"
 #include "spread/GridRow.h"
 
 namespace spread {
+
+// What the hour angle, rise and set, and the best-time search take from the clock, worked out
+// once for a load.
+struct RowPlans
+{
+    astro::SkyPlan sky;
+    astro::BestTimePlan best; // samples only when the best time is on
+    const astro::Clock* computerClock = nullptr;
+    int PInterval = 0;
+    bool optimum = false;
+};
+
+RowPlans MakeRowPlans(const astro::ObservingClock& clock, const astro::Clock& computerClock,
+                      int PInterval, bool optimum);
 
 // ComputeColumns: fills computed from the row's stored position.
 // Given: options (the switches; nothing runs in turbo mode), clock and computerClock (the
@@ -16,6 +31,9 @@ namespace spread {
 //   and azimuth rounded to 2 decimals and the column texts.
 // Status: a fault inside an astronomy routine goes to faults and the row goes on with the
 //   values as they stood.
+// Notes: the routines run through the plans of options.plans, made by the first row (under
+//   real time the computer clock is read then, once per load); a call with another clock than
+//   the first makes its own.
 void ComputeColumns(const RowOptions& options, const astro::ObservingClock& clock,
                     const astro::Clock& computerClock, double epochYear, Position& position,
                     ComputedColumns& computed, astro::FaultSink& faults);

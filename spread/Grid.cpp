@@ -29,6 +29,9 @@ std::string_view Field(std::string_view row, int col)
 // The text up to the end of field 31: cells beyond the grid's columns are dropped.
 std::string_view FirstColumns(std::string_view text)
 {
+    // A row as the loads write it has 31 cells; one count of its tabs settles that.
+    if (std::count(text.begin(), text.end(), '\t') < kGridCols)
+        return text;
     std::size_t pos = 0;
     for (int c = 1; c < kGridCols; ++c) {
         pos = text.find('\t', pos);
@@ -214,17 +217,24 @@ std::array<double, kGridCols + 1> Grid::MaxTextColWidths() const
     std::array<std::size_t, kGridCols + 1> widest{};
     for (int col = 0; col <= kGridCols; ++col)
         widest[static_cast<std::size_t>(col)] = CodePoints(headers_[static_cast<std::size_t>(col)]);
+    // One pass over each row's characters: a tab ends a cell, a UTF-8 continuation byte does
+    // not count.
     for (const RowRef& ref : rows_) {
         const std::string_view text = View(ref);
-        std::size_t start = 0;
-        for (int col = 1; col <= kGridCols && start <= text.size(); ++col) {
-            std::size_t end = text.find('\t', start);
-            if (end == std::string_view::npos)
-                end = text.size();
-            std::size_t& w = widest[static_cast<std::size_t>(col)];
-            w = std::max(w, CodePoints(text.substr(start, end - start)));
-            start = end + 1;
+        std::size_t col = 1;
+        std::size_t width = 0;
+        for (const char ch : text) {
+            if (ch == '\t') {
+                widest[col] = std::max(widest[col], width);
+                width = 0;
+                if (++col > kGridCols)
+                    break;
+            } else if ((static_cast<unsigned char>(ch) & 0xC0) != 0x80) {
+                ++width;
+            }
         }
+        if (col <= kGridCols)
+            widest[col] = std::max(widest[col], width);
     }
     std::array<double, kGridCols + 1> widths{};
     for (int col = 0; col <= kGridCols; ++col)

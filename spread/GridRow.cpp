@@ -3,10 +3,12 @@
 #include <charconv>
 #include <cmath>
 
-#include "spread/FixedFormat.h"
+#include "services/VbFixed.h"
 
 namespace spread {
 namespace {
+
+using services::vb::FixedFormat;
 
 const FixedFormat kTwo("00");
 const FixedFormat kSeconds("00.0");

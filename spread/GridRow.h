@@ -7,19 +7,22 @@
 // degrees, minutes, seconds with the sign on the first non-zero field (or on the minutes of a
 // stored -0 degrees).
 
+#include <atomic>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 
+#include "astro/ObservingClock.h"
 #include "services/Vb.h"
 
 namespace spread {
 
 // A short text held in place (a time, a page), so that a row's results never allocate.
-template <std::size_t N>
-struct FixedText
+template <std::size_t N> struct FixedText
 {
     char data[N] = {};
     std::uint8_t size = 0;
@@ -47,9 +50,8 @@ struct ObjectRecord
 {
     std::string_view ObjectID, OtherID, ObjectType, constellation, MCode, Description, Catalog,
         ImageFile, HObject;
-    NumberField RAhours, RAminutes, DeclinationDegrees, DeclinationMinutes, ObjectSize,
-        Magnitude, Magnitude2, EPOCH, GalacticLongitude, GalacticLatitude, PositionAngle,
-        Separation;
+    NumberField RAhours, RAminutes, DeclinationDegrees, DeclinationMinutes, ObjectSize, Magnitude,
+        Magnitude2, EPOCH, GalacticLongitude, GalacticLatitude, PositionAngle, Separation;
     long long ID = 0;
     // The answer for the "obs" column: the Observed field, or a logbook row for the object.
     bool Observed = false;
@@ -80,29 +82,55 @@ struct ComputedColumns
     bool precessed = false;
 };
 
+struct RowPlans;
+
+// The astronomy plans (astro/Position.h) of one load's clock: made by the first row that needs
+// them and then shared by every row and thread of the load (see ComputeColumns).
+class RowPlanCache
+{
+public:
+    RowPlanCache();
+    ~RowPlanCache();
+    RowPlanCache(const RowPlanCache&) = delete;
+    RowPlanCache& operator=(const RowPlanCache&) = delete;
+
+    // The plans for this clock, computer clock, step and best-time switch; made on the first
+    // call. Nothing when a later call brings others.
+    const RowPlans* Find(const astro::ObservingClock& clock, const astro::Clock& computerClock,
+                         int PInterval, bool optimum);
+
+private:
+    std::mutex mutex_;
+    std::atomic<const RowPlans*> ready_{nullptr};
+    std::unique_ptr<RowPlans> plans_;
+};
+
 // The settings of one load that the row needs, read once before the loop.
 struct RowOptions
 {
     bool speed1 = false;
-    bool Palt = false;       // Palt is "Y"
-    bool Prise = false;      // Prise is "Y"
+    bool Palt = false;  // Palt is "Y"
+    bool Prise = false; // Prise is "Y"
     bool optimum = false;
     bool ShowCharts = false;
-    bool precess = false;     // PPre is set and not an empty mask
-    std::string ppreYear;     // the year, month and day texts of PPre for Precession; the
-    std::string ppreMonth;    // year also for the "Epoch" column
+    bool precess = false;  // PPre is set and not an empty mask
+    std::string ppreYear;  // the year, month and day texts of PPre for Precession; the
+    std::string ppreMonth; // year also for the "Epoch" column
     std::string ppreDay;
     int PInterval = 10;
 
     // Row filters; they apply only when PlanLoad is clear.
     bool PlanLoad = false;
-    bool hasMinAlt = false;   // Pminalt is not blank
+    bool hasMinAlt = false; // Pminalt is not blank
     double Pminalt = 0;
     double PAzm1 = 0, PAzm2 = 0, PAzm3 = 0, PAzm4 = 0;
-    bool Psupo = false;       // Psupo is "Y"
+    bool Psupo = false; // Psupo is "Y"
     bool Shers = false;
 
     char decimalPoint = '.';
+
+    // Shared by the copies of these options, so one load's rows make the plans once.
+    std::shared_ptr<RowPlanCache> plans = std::make_shared<RowPlanCache>();
 };
 
 // Reads the PPre text into the options: blank, the empty masks "__/__/____" and "__.__.____",

@@ -1,0 +1,247 @@
+// The plans of Position.h must give, bit for bit and fault for fault, what the plain routines
+// give for the same clock: they replace them in every row of a grid load.
+
+#include "astro/Position.h"
+
+#include "tests/astro/RecordingFaults.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <random>
+#include <string>
+#include <vector>
+
+namespace {
+
+using astro::Dms;
+using astro::Hms;
+using astro_test::ProcessEnded;
+using astro_test::RecordingFaults;
+
+struct Object
+{
+    Hms ra;
+    Dms dec;
+};
+
+struct Site
+{
+    double lat, lon, tz;
+    const char* PStd;
+    const char* date;
+    bool timesAMPM;
+};
+
+// Mid-latitudes both sides, the equator, the date line, a fractional zone with daylight time,
+// and a site within half a degree of the pole (where the best-time search takes no shortcut).
+const Site kSites[] = {
+    {40, 90, 6, "S", "03/15/2024", false},        {-33.9, -151.2, -10, "D", "12/21/2023", true},
+    {0, 0, 0, "S", "06/21/2024", true},           {64.1, 179.9, 12, "S", "01/01/2000", false},
+    {28.5, -77.5, -5.5, "D", "09/22/2024", true}, {89.6, 45, 3, "S", "02/29/2024", false},
+    {-70, 10, -1, "S", "07/04/1990", true},
+};
+
+astro::ObservingClock ClockOf(const Site& site)
+{
+    astro::ObservingClock clock;
+    clock.Plat = site.lat;
+    clock.Plon = site.lon;
+    clock.PTz = site.tz;
+    clock.PStd = site.PStd;
+    clock.PDate = site.date;
+    clock.Ptime = "21:37";
+    clock.timesAMPM = site.timesAMPM;
+    return clock;
+}
+
+Object ObjectAt(double raHours, double decDeg)
+{
+    const astro::Sexagesimal r = astro::ConvertFromDecimal(raHours);
+    return {{r.degrees, r.minutes, r.seconds}, astro::SignPush(astro::ConvertFromDecimal(decDeg))};
+}
+
+// Random objects over the sphere, the poles and the equator, and objects that sit exactly on
+// the meridian at a sample (hour angle 0 after rounding), some of them through the zenith or
+// the nadir, where the arcsines are closest to faulting.
+std::vector<Object> Objects(const astro::BestTimePlan& plan, double lat, int count)
+{
+    std::mt19937_64 random(1987);
+    std::uniform_real_distribution<double> unit(0, 1);
+    std::vector<Object> objects;
+    for (int i = 0; i < count; ++i)
+        objects.push_back(
+            ObjectAt(unit(random) * 24, std::asin(2 * unit(random) - 1) * 57.29577951308232));
+    for (double dec : {90.0, -90.0, 0.0, 89.99, -89.99})
+        objects.push_back(ObjectAt(unit(random) * 24, dec));
+    for (std::size_t i = 0; i < plan.samples.size(); i += 7) {
+        const double lst = plan.samples[i].lst;
+        for (double dec : {lat, -lat, lat + 0.001, lat - 30, 0.0})
+            objects.push_back(ObjectAt(lst, dec));
+    }
+    return objects;
+}
+
+struct Outcome
+{
+    astro::BestTime best;
+    std::vector<RecordingFaults::Report> reports;
+    bool ended = false;
+};
+
+template <typename Call> Outcome Search(Call call)
+{
+    Outcome o;
+    RecordingFaults faults;
+    try {
+        o.best = call(faults);
+    } catch (const ProcessEnded&) {
+        o.ended = true;
+    }
+    o.reports = faults.reports;
+    return o;
+}
+
+void ExpectSame(const Outcome& plain, const Outcome& planned)
+{
+    EXPECT_EQ(planned.ended, plain.ended);
+    ASSERT_EQ(planned.reports.size(), plain.reports.size());
+    for (std::size_t i = 0; i < plain.reports.size(); ++i) {
+        EXPECT_EQ(planned.reports[i].message, plain.reports[i].message);
+        EXPECT_EQ(planned.reports[i].location, plain.reports[i].location);
+    }
+    if (plain.ended)
+        return;
+    // Bit for bit: the texts of the grid are made from these.
+    EXPECT_EQ(planned.best.bestTime, plain.best.bestTime);
+    EXPECT_EQ(planned.best.bestAltitude, plain.best.bestAltitude);
+    EXPECT_EQ(planned.best.bestAzimuth, plain.best.bestAzimuth);
+}
+
+const astro::FixedClock kComputer({2024, 3, 15, 3, 30, 0});
+
+TEST(BestTimePlan, SameAsThePlainSearchEverywhere)
+{
+    struct Step
+    {
+        std::int16_t step;
+        int objects;
+    };
+    // 1 minute samples 24 x 59 times, so fewer objects; 60 samples only minute 1; 0 nothing.
+    const Step steps[] = {{10, 700}, {1, 40}, {7, 150}, {60, 150}, {0, 20}};
+    int ended = 0;
+    for (const Site& site : kSites) {
+        for (const Step& s : steps) {
+            SCOPED_TRACE("lat " + std::to_string(site.lat) + " step " + std::to_string(s.step));
+            const astro::ObservingClock clock = ClockOf(site);
+            const astro::BestTimePlan plan = astro::MakeBestTimePlan(clock, kComputer, s.step);
+            int shown = 0;
+            for (const Object& object : Objects(plan, site.lat, s.objects)) {
+                const Outcome plain = Search([&](RecordingFaults& f) {
+                    return astro::FindBestTimeToObserve(clock, kComputer, object.ra, object.dec,
+                                                        s.step, f);
+                });
+                const Outcome planned = Search([&](RecordingFaults& f) {
+                    return astro::FindBestTimeToObserve(plan, object.ra, object.dec, f);
+                });
+                ExpectSame(plain, planned);
+                shown += plain.best.bestTime != "n/a" ? 1 : 0;
+                ended += plain.ended ? 1 : 0;
+                if (::testing::Test::HasFailure())
+                    return;
+            }
+            if (s.step >= 1) {
+                EXPECT_GT(shown, 0) << "the objects should not all stay below the horizon";
+            }
+        }
+    }
+    EXPECT_GT(ended, 0) << "the meridian objects should reach the fatal arcsine fault";
+}
+
+TEST(BestTimePlan, RealTimeAndBadDates)
+{
+    astro::ObservingClock realTime = ClockOf(kSites[0]);
+    realTime.UseRealTime = "Y";
+    realTime.PDate = "not a date"; // not read under real time
+    astro::ObservingClock badDate = ClockOf(kSites[0]);
+    badDate.PDate = "13/45/2024";
+    astro::ObservingClock blankDate = ClockOf(kSites[1]);
+    blankDate.PDate = "  ";
+    for (const astro::ObservingClock& clock : {realTime, badDate, blankDate}) {
+        SCOPED_TRACE(clock.PDate);
+        const astro::BestTimePlan plan = astro::MakeBestTimePlan(clock, kComputer, 10);
+        for (const Object& object : Objects(plan, clock.Plat, 50)) {
+            ExpectSame(Search([&](RecordingFaults& f) {
+                           return astro::FindBestTimeToObserve(clock, kComputer, object.ra,
+                                                               object.dec, 10, f);
+                       }),
+                       Search([&](RecordingFaults& f) {
+                           return astro::FindBestTimeToObserve(plan, object.ra, object.dec, f);
+                       }));
+        }
+    }
+}
+
+struct SkyOutcome
+{
+    Hms ha;
+    astro::RiseSetTimes times;
+    std::vector<RecordingFaults::Report> reports;
+    bool ended = false;
+};
+
+TEST(SkyPlan, HourAngleAndRiseSetAsThePlainRoutines)
+{
+    std::vector<astro::ObservingClock> clocks;
+    for (const Site& site : kSites)
+        clocks.push_back(ClockOf(site));
+    astro::ObservingClock realTime = ClockOf(kSites[0]);
+    realTime.UseRealTime = "Y";
+    clocks.push_back(realTime);
+    astro::ObservingClock badDate = ClockOf(kSites[2]);
+    badDate.PDate = "31/31/31";
+    clocks.push_back(badDate);
+    astro::ObservingClock pole = ClockOf(kSites[0]);
+    pole.Plat = 90;
+    clocks.push_back(pole);
+
+    for (const astro::ObservingClock& clock : clocks) {
+        SCOPED_TRACE("lat " + std::to_string(clock.Plat) + " " + clock.PDate);
+        const astro::SkyPlan plan = astro::MakeSkyPlan(clock, kComputer);
+        const astro::BestTimePlan samples = astro::MakeBestTimePlan(clock, kComputer, 10);
+        for (const Object& object : Objects(samples, clock.Plat, 3000)) {
+            const auto run = [&](bool planned) {
+                SkyOutcome o;
+                RecordingFaults faults;
+                try {
+                    o.ha = planned
+                               ? astro::CalcHourAngle(plan, object.ra, faults)
+                               : astro::CalcHourAngle(clock, kComputer, object.ra, false, faults);
+                    o.times = planned
+                                  ? astro::RiseSet(plan, object.ra, object.dec, faults)
+                                  : astro::RiseSet(clock, kComputer, object.ra, object.dec, faults);
+                } catch (const ProcessEnded&) {
+                    o.ended = true;
+                }
+                o.reports = faults.reports;
+                return o;
+            };
+            const SkyOutcome plain = run(false);
+            const SkyOutcome planned = run(true);
+            EXPECT_EQ(planned.ended, plain.ended);
+            ASSERT_EQ(planned.reports.size(), plain.reports.size());
+            for (std::size_t i = 0; i < plain.reports.size(); ++i)
+                EXPECT_EQ(planned.reports[i].location, plain.reports[i].location);
+            EXPECT_EQ(planned.ha.hours, plain.ha.hours);
+            EXPECT_EQ(planned.ha.minutes, plain.ha.minutes);
+            EXPECT_EQ(planned.ha.seconds, plain.ha.seconds);
+            EXPECT_EQ(planned.times.status, plain.times.status);
+            EXPECT_EQ(planned.times.riseTime, plain.times.riseTime);
+            EXPECT_EQ(planned.times.setTime, plain.times.setTime);
+            if (::testing::Test::HasFailure())
+                return;
+        }
+    }
+}
+
+} // namespace
