@@ -1,9 +1,37 @@
 #include "app/GridCommand.h"
 
+#include "data/ObjectFilter.h"
+#include "services/Fault.h"
 #include "spread/FormatSpreadsheet.h"
 #include "spread/LoadTheGrid.h"
+#include "spread/Plans.h"
 
 namespace app {
+
+namespace {
+
+// Header line and rows, tab-separated, as the load wrote them.
+int PrintGrid(spread::Grid& grid, std::ostream& out)
+{
+    // A list without rows is never formatted; its headers are still those of a format.
+    if (grid.Header(1).empty())
+        spread::FormatSpreadsheet(grid, 0, false, {});
+    std::string line;
+    for (int row = 0; row <= grid.MaxRows(); ++row) {
+        line.clear();
+        for (int col = 1; col <= spread::kGridCols; ++col) {
+            if (col > 1)
+                line += '\t';
+            line += row == 0 ? std::string_view(grid.Header(col)) : grid.Text(row, col);
+        }
+        line += '\n';
+        out << line;
+    }
+    out.flush();
+    return out ? 0 : 1;
+}
+
+} // namespace
 
 GridArgs ParseGridArgs(const std::vector<std::string>& args)
 {
@@ -55,20 +83,48 @@ int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         out << grid.MaxRows() << "\n";
         return 0;
     }
-    // A list without rows is never formatted; its headers are still those of a format.
-    if (grid.Header(1).empty())
-        spread::FormatSpreadsheet(grid, 0, false, {});
-    std::string line;
-    for (int row = 0; row <= grid.MaxRows(); ++row) {
-        line.clear();
-        for (int col = 1; col <= spread::kGridCols; ++col) {
-            if (col > 1)
-                line += '\t';
-            line += row == 0 ? std::string_view(grid.Header(col)) : grid.Text(row, col);
-        }
-        line += '\n';
-        out << line;
-    }
+    return PrintGrid(grid, out);
+}
+
+
+std::string CheckPlanArgs(const std::vector<std::string>& args)
+{
+    if (args.empty() || args[0].empty())
+        return "plan needs a file";
+    if (args.size() > 1)
+        return "unknown argument \"" + args[1] + "\" of plan";
+    return {};
+}
+
+std::string CheckSqlArgs(const std::vector<std::string>& args)
+{
+    return args.empty() ? std::string() : "unknown argument \"" + args[0] + "\" of sql";
+}
+
+int RunPlanCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
+                   const std::string& file, std::ostream& out, const astro::Clock& computerClock)
+{
+    if (!start.objectDatabaseOpen)
+        return 1;
+    TMM.CurrTab = 0;
+    spread::Grid& grid = TMM.grids[0];
+    const spread::PlanIntoGrid opened =
+        spread::OpenPlanIntoGrid(TMM, grid, TMM.plans[0], file, computerClock);
+    if (!opened.opened.opened || opened.load.failed)
+        return 1;
+    return PrintGrid(grid, out);
+}
+
+int RunSqlCommand(spread::AppState& TMM, const spread::LoadFormResult& start, std::ostream& out)
+{
+    if (!start.objectDatabaseOpen || !TMM.objectDb)
+        return 1;
+    std::string lines;
+    if (!services::Trap(TMM.ui, "ctlSpread.BuildSQLSelectString", [&] {
+            lines = data::SqlCommandLines(TMM.prefs, data::LoadFilterLookups(*TMM.objectDb));
+        }))
+        return 1;
+    out << lines;
     out.flush();
     return out ? 0 : 1;
 }

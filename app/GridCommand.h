@@ -1,10 +1,12 @@
 #pragma once
-// selvane-cli grid: tab 0's list as tab-separated text.
+// selvane-cli grid, plan and sql: tab 0's list as tab-separated text, and the filter's SQL.
 //
 //   grid                the start query (the Messier list), as the program starts
 //   grid --sql "..."    the given query
 //   grid --build        the query built from the filter settings
 //   grid --count        (with any of the above) only the number of rows
+//   plan FILE           the plan file opened into tab 0 as the program opens a chosen plan
+//   sql                 the SQL the filter settings make, then its ORDER BY text
 //
 // Output: a header line of the 31 column headers, then one line per row holding the 31 cell
 // texts exactly as the load wrote them.
@@ -36,5 +38,24 @@ GridArgs ParseGridArgs(const std::vector<std::string>& args);
 //   database is not open or the query failed (the port has shown why); 2 on a usage error.
 int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
                    const GridArgs& args, std::ostream& out, const astro::Clock& computerClock);
+
+inline constexpr const char* PlanUsage = "usage: selvane-cli ... plan FILE";
+inline constexpr const char* SqlUsage = "usage: selvane-cli ... sql";
+
+// The usage error of plan's arguments (exactly one file name), or empty.
+std::string CheckPlanArgs(const std::vector<std::string>& args);
+// The usage error of sql's arguments (none), or empty.
+std::string CheckSqlArgs(const std::vector<std::string>& args);
+
+// Opens the plan file into tab 0 (its plan and grid) and prints the grid as grid does.
+// Returned: 0 when the plan was read and loaded, even with no rows; 1 when the object database
+//   is not open, the file could not be read or the load failed (the port has shown why).
+int RunPlanCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
+                   const std::string& file, std::ostream& out, const astro::Clock& computerClock);
+
+// Prints data::SqlCommandLines: the SQL line, then the ORDER BY line.
+// Returned: 0; 1 when the object database, whose catalogue and type tables the SQL reads, is
+//   not open or cannot be read.
+int RunSqlCommand(spread::AppState& TMM, const spread::LoadFormResult& start, std::ostream& out);
 
 } // namespace app

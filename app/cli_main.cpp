@@ -2,6 +2,9 @@
 //
 //   selvane-cli [--home DIR] [--settings FILE] [--set KEY=VALUE]... COMMAND [ARGS]
 //
+// Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
+// SQL and ORDER BY texts).
+//
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/CliOptions.h"
@@ -40,6 +43,21 @@ const std::map<std::string, Command>& Commands()
               return app::RunGridCommand(TMM, start, app::ParseGridArgs(args), std::cout, clock);
           },
           app::GridUsage}},
+        {"plan",
+         {app::CheckPlanArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunPlanCommand(TMM, start, args[0], std::cout, clock);
+          },
+          app::PlanUsage}},
+        {"sql",
+         {app::CheckSqlArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>&) {
+              return app::RunSqlCommand(TMM, start, std::cout);
+          },
+          app::SqlUsage}},
     };
     return commands;
 }

@@ -9,6 +9,7 @@
 #include "data/SettingsStore.h"
 #include "services/UiPort.h"
 #include "spread/Grid.h"
+#include "spread/PlanState.h"
 
 #include <array>
 #include <memory>
@@ -72,6 +73,8 @@ struct AppState
     // tabs, which hold no grid).
     std::array<Grid, kSpreadTabs> grids;
     int CurrTab = 0;
+    // The observing plan of each spreadsheet tab.
+    PlanTabs plans;
 
     // The current SQL and its ORDER BY part, as BuildSQLSelectString leaves them, and the SQL
     // of the last finished grid load (what RefreshIt runs again).

@@ -5,6 +5,7 @@
 #include <mutex>
 #include <set>
 #include <thread>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -273,6 +274,29 @@ bool LoggedInLogbook(data::Database& logbook, std::string_view objectId)
     return !rs.Eof();
 }
 
+// The "pln" marks of the current tab's plan, looked up by record id.
+class PlanMarks
+{
+public:
+    explicit PlanMarks(const TabPlan& plan) : count_(plan.PlanCount())
+    {
+        for (const PlanEntry& e : plan.entries)
+            marks_.emplace(e.PlanRecordID, e.PlanNote.empty() ? "X" : "X*");
+    }
+    std::string_view Mark(double recordId) const
+    {
+        if (marks_.empty())
+            return " ";
+        const auto it = marks_.find(recordId);
+        return it == marks_.end() ? std::string_view(" ") : it->second;
+    }
+    int Count() const { return count_; }
+
+private:
+    std::unordered_map<double, std::string_view> marks_;
+    int count_;
+};
+
 // Step 4 of the load: the SQL from the filter, through the caller's builder when it gives one.
 void BuildSql(AppState& TMM, const GridLoad& load)
 {
@@ -319,6 +343,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     grid.SetReDraw(false);
     grid.SetMaxRows(0);
 
+    const PlanMarks marks(TMM.plans[static_cast<std::size_t>(TMM.CurrTab)]);
     int rows = 0;
     GatheredFaults faults;
     int fatalExit = -1;
@@ -359,12 +384,12 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
             block.Clear();
             while (!rs.Eof() && block.Size() < blockSize) {
                 const std::string_view objectId = fields.ObjectID.Text();
-                const std::string_view catalog = fields.Catalog.Text();
                 const bool observed = prefs.DataLogType && TMM.logbookDb
                                           ? LoggedInLogbook(*TMM.logbookDb, objectId)
                                           : fields.Observed.Bool();
+                const double recordId = fields.ID.IsNull() ? 0 : fields.ID.Double();
                 const std::string_view mark =
-                    load.planMark ? load.planMark(objectId, catalog) : std::string_view(" ");
+                    load.planMark ? load.planMark(recordId) : marks.Mark(recordId);
                 block.Read(fields, observed, mark);
                 rs.MoveNext();
             }
@@ -431,7 +456,8 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     if (fatalExit >= 0)
         services::EndProcess(fatalExit);
 
-    TMM.status.lblMisc = std::to_string(load.planCount) + " Object(s) In Your Plan";
+    TMM.status.lblMisc = std::to_string(load.planMark ? load.planCount : marks.Count()) +
+                         " Object(s) In Your Plan";
     TMM.QueryRunning = false;
     if (rows == 0)
         ui.ShowMessage(NoObjectsText, NoObjectsTitle, "I");

@@ -38,10 +38,11 @@ struct GridLoad
     // Builds the SQL for LoadMode::Build; when empty, BuildSQLSelectString of the filter
     // settings on the object database's catalogue and type tables, which also sets OrderBy.
     std::function<std::string()> BuildSQLSelectString;
-    // The "pln" mark of an object in the tab's plan; " " when none is given.
-    std::function<std::string_view(std::string_view objectId, std::string_view catalog)>
-        planMark;
-    int planCount = 0;
+    // The "pln" mark of a row by its record id (the ID of SelvaneTable). When empty, the mark
+    // and the count come from the current tab's plan (TMM.plans), as in every normal load:
+    // entries survive a reload, and rows that leave the list stay in the plan.
+    std::function<std::string_view(double recordId)> planMark;
+    int planCount = 0; // the plan's count for lblMisc, read only with planMark given
     // Rows computed per parallel block; 0 leaves it to the load.
     int blockSize = 0;
 

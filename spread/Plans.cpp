@@ -280,13 +280,9 @@ GridLoad LoadPlan(AppState& TMM, Grid& grid, const TabPlan& plan,
 {
     GridLoad load;
     load.planCount = plan.PlanCount();
-    // Every row of a plan load is in the plan; the mark tells whether its entry has a note.
-    load.planMark = [&plan](std::string_view objectId, std::string_view catalog) {
-        for (const PlanEntry& e : plan.entries)
-            if (e.PlanObjectID == objectId && e.PlanCatalog == catalog)
-                return std::string_view(e.PlanNote.empty() ? "X" : "X*");
-        return std::string_view("X");
-    };
+    // Every row of a plan load is in the plan (its query asks for the plan's ids); the mark
+    // tells whether its entry has a note.
+    load.planMark = [&plan](double recordId) { return PlanMark(plan, recordId); };
     const std::string currentSql = TMM.SQL;
     const bool planLoad = TMM.PlanLoad;
     const bool useLog = TMM.UseLogDatabase;

@@ -15,6 +15,7 @@
 
 #include "spread/LoadTheGrid.h"
 #include "spread/PlanFile.h"
+#include "spread/PlanState.h"
 
 namespace data {
 class Database;
@@ -28,8 +29,6 @@ namespace spread {
 
 class Grid;
 struct AppState;
-
-inline constexpr int kPlanTabs = 5; // the spreadsheet tabs 0 to 4
 
 inline constexpr int kPlnCol = 1;
 inline constexpr int kObjectIdCol = 4;
@@ -57,24 +56,8 @@ inline constexpr const char* SavePlanLocation = "ctlSpread.mnuSavePs_Click";
 inline constexpr const char* OpenPlanLocation = "ctlSpread.mnuOpenPS_Click";
 inline constexpr const char* ChosenPlanLocation = "ctlSpread.cboPlan_Click";
 
-// The plan of one spreadsheet tab.
-struct TabPlan
-{
-    bool PlanActive = false;         // the tab is in plan mode ("RECORD MODE")
-    std::vector<PlanEntry> entries;  // the entries in use, in the order of tagging
-    std::string PlanFile;            // the file name last opened for the tab
-
-    int PlanCount() const { return static_cast<int>(entries.size()); }
-};
-
-using PlanTabs = std::array<TabPlan, kPlanTabs>;
-
 // True for the catalogues of solar-system entries: "PLANETS", "COMET", "ASTEROID".
 bool IsSolarCatalog(std::string_view catalog);
-
-// The "pln" cell of a row with this record id: "X" when the plan holds it, "X*" when its entry
-// has a note, " " otherwise. A load in plan mode marks its rows with it.
-std::string_view PlanMark(const TabPlan& plan, double recordId);
 
 // The steps a plan routine asks of the spreadsheet around it. A step left empty is skipped.
 struct PlanHooks

@@ -109,6 +109,13 @@ void FillFilterBoxes(AppState& TMM)
     c.txtInterval = std::to_string(p.PInterval);
 }
 
+void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock)
+{
+    const bool recordMode = TMM.CurrTab >= 0 && TMM.CurrTab < kPlanTabs &&
+                            TMM.plans[static_cast<std::size_t>(TMM.CurrTab)].PlanActive;
+    UpdateStatusBar(TMM, computerClock, recordMode);
+}
+
 void RefreshPref(AppState& TMM)
 {
     SetFilterLabels(TMM);

@@ -21,7 +21,9 @@ inline constexpr const char* PrecessedMisc = "Object Positions Precessed to : ";
 //   plan is open.
 // Notes: latitude and longitude read degrees, the degree sign, minutes, the minute sign,
 //   seconds and the second sign, each part "00", with "-" in front of a negative value.
-void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock, bool recordMode = false);
+void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock, bool recordMode);
+// The same for the current tab: record mode when its plan is open.
+void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock);
 
 // The filter labels lblCatDes, lblConst, lblType from ObCat, Obcon, Obtod ("All Catalogs",
 // "All Constellations", "All Types" for an empty one), and their decoded selections.

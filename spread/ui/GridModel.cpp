@@ -43,6 +43,13 @@ void GridModel::Reset()
     endResetModel();
 }
 
+void GridModel::RowChanged(int row)
+{
+    if (row < 1 || row > rowCount())
+        return;
+    emit dataChanged(index(row - 1, 0), index(row - 1, columnCount() - 1));
+}
+
 void GridModel::SetColours(const GridColours& colours)
 {
     colours_ = colours;

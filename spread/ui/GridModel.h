@@ -39,6 +39,8 @@ public:
     const Grid* GetGrid() const { return grid_; }
     // Tells the view that the grid's rows or texts changed (after a load, a sort, a Clip).
     void Reset();
+    // Tells the view that the texts of one grid row (from 1) changed; rows and selection stay.
+    void RowChanged(int row);
 
     void SetColours(const GridColours& colours);
     const GridColours& Colours() const { return colours_; }

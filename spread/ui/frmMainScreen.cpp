@@ -5,9 +5,11 @@
 #include "services/Vb.h"
 #include "spread/AppState.h"
 #include "spread/Grid.h"
+#include "spread/Spreadsheet.h"
 #include "spread/ui/BusyUiPort.h"
 #include "spread/ui/GridModel.h"
 #include "spread/ui/PreferenceWindows.h"
+#include "spread/ui/ctlSpreadFilter.h"
 
 #include <QAction>
 #include <QApplication>
@@ -24,6 +26,7 @@
 #include <QPainter>
 #include <QProgressBar>
 #include <QSplashScreen>
+#include <QSplitter>
 #include <QStackedWidget>
 #include <QStatusBar>
 #include <QTabBar>
@@ -36,6 +39,7 @@
 
 #include <algorithm>
 #include <system_error>
+#include <tuple>
 
 namespace spread {
 
@@ -92,6 +96,7 @@ frmMainScreen::frmMainScreen(AppState& state, BusyUiPort& ui, MainScreenHooks ho
     CommandDispatcher::Context context;
     context.CurrTab = [this] { return CurrTab(); };
     context.SetGridTooltipText = [] {};
+    context.OpenPlan = [this](const std::string& key) { OpenPlan(key); };
     dispatcher_ = std::make_unique<CommandDispatcher>(ui_, std::move(context));
 
     ShutDownSteps steps;
@@ -152,9 +157,23 @@ void frmMainScreen::BuildClientViews()
     ctlSpread1->setObjectName("ctlSpread1");
     auto* layout = new QVBoxLayout(ctlSpread1);
     layout->setContentsMargins(2, 2, 2, 2);
-    sstab1_ = new QTabWidget(ctlSpread1);
+    spreadSplitter_ = new QSplitter(Qt::Vertical, ctlSpread1);
+    spreadSplitter_->setObjectName("spreadSplitter");
+    filter_ = new ctlSpreadFilter(state_, spreadSplitter_);
+    filter_->setObjectName("ctlSpreadFilter");
+    sstab1_ = new QTabWidget(spreadSplitter_);
     sstab1_->setObjectName("sstab1");
-    layout->addWidget(sstab1_);
+    spreadSplitter_->addWidget(filter_);
+    spreadSplitter_->addWidget(sstab1_);
+    spreadSplitter_->setStretchFactor(0, 0);
+    spreadSplitter_->setStretchFactor(1, 1);
+    spreadSplitter_->setCollapsible(1, false);
+    spreadSplitter_->setSizes({230, 520});
+    layout->addWidget(spreadSplitter_);
+    connect(filter_, &ctlSpreadFilter::RefreshRequested, this,
+            [this] { RunLoad([this] { RefreshFromPanel(state_, *filter_, ComputerClock()); }); });
+    connect(filter_, &ctlSpreadFilter::ApplyRequested, this,
+            [this] { RunLoad([this] { ApplyFromPanel(state_, *filter_, ComputerClock()); }); });
     for (int tab = 0; tab < kGridTabs; ++tab) {
         auto* view = new QTableView(sstab1_);
         view->setObjectName(QString("grdObject%1").arg(tab));
@@ -170,9 +189,7 @@ void frmMainScreen::BuildClientViews()
         font.setPointSize(9);
         view->setFont(font);
         connect(view, &QTableView::clicked, this, [this, tab](const QModelIndex& index) {
-            lastCol_[tab] = index.column() + 1;
-            if (hooks_.GridClick)
-                hooks_.GridClick(tab, index.row() + 1, index.column() + 1);
+            GridCellClicked(tab, index.row() + 1, index.column() + 1);
         });
         connect(view, &QTableView::doubleClicked, this,
                 [this](const QModelIndex&) { ab_ToolClick("mnuqvcs"); });
@@ -324,6 +341,213 @@ void frmMainScreen::FillActions()
                         "---> Selvane2000 menu",
                         "Reset Preferences", "I");
     });
+    FillPlanActions();
+    FillListActions();
+}
+
+void frmMainScreen::FillPlanActions()
+{
+    auto give = [this](const char* key, std::function<void()> action) {
+        dispatcher_->SetAction(key, std::move(action));
+    };
+    give("record", [this] {
+        if (TabPlan* plan = CurrentPlan())
+            StartPlan(*plan, ui_, MakePlanHooks());
+    });
+    for (const char* key : {"close", "closeplan", "mnustoprp"})
+        give(key, [this] {
+            if (TabPlan* plan = CurrentPlan())
+                StopPlan(*plan, ui_, MakePlanHooks());
+        });
+    give("show", [this] {
+        TabPlan* plan = CurrentPlan();
+        if (plan && (plan->PlanCount() == 0 || DatabaseOpen()))
+            ShowPlan(CurrTab(), *plan, ui_, MakePlanHooks());
+    });
+    give("mnuaddtoplan", [this] { GridCellClicked(CurrTab(), SelectedRow(), kPlanCol); });
+    give("mnusaveps", [this] {
+        // A plan saved in the program folder joins the short-cut band at once.
+        if (const TabPlan* plan = CurrentPlan(); plan && mnuSavePs_Click(CurrTab(), *plan, ui_))
+            ShowShortCutTools(LoadTPlan(programDir_));
+    });
+    give("mnuopenps", [this] {
+        TabPlan* plan = CurrentPlan();
+        if (!plan || !DatabaseOpen())
+            return;
+        mnuOpenPS_Click(*plan, ui_, ShippedIdLookup(*state_.objectDb), MakePlanHooks());
+        ShowCurrentTab();
+    });
+}
+
+void frmMainScreen::FillListActions()
+{
+    using Kind = data::FixedListKind;
+    const std::tuple<const char*, Kind, std::function<data::FixedList()>> lists[] = {
+        {"messier", Kind::ShowMessierList, data::ShowMessierList},
+        {"observed", Kind::ShowObservedList,
+         [this] { return data::ShowObservedList(state_.prefs.UseCd); }},
+        {"image", Kind::ShowImageList, data::ShowImageList},
+        {"mnueight", Kind::mnuEight,
+         [this] {
+             return data::mnuEight(filter_->lblCatDes->text().toStdString(), filter_->Lookups());
+         }},
+        {"messier2", Kind::Messier2, data::Messier2},
+        {"messier3", Kind::Messier3, data::Messier3},
+        {"herschelobs", Kind::Herschel1, data::Herschel1},
+        {"herschelnotobs", Kind::Herschel2, data::Herschel2},
+        {"herschelshow", Kind::Herschel3, data::Herschel3},
+    };
+    for (const auto& [key, kind, list] : lists)
+        dispatcher_->SetAction(key, [this, kind, list] { ShowFixedList(kind, list); });
+    dispatcher_->SetAction("refresh", [this] {
+        RunLoad([this] {
+            GridLoad load;
+            RefreshIt(state_, load, ComputerClock());
+        });
+    });
+    dispatcher_->SetAction("apply", [this] {
+        RunLoad([this] { ApplyFromPanel(state_, *filter_, ComputerClock()); });
+    });
+}
+
+void frmMainScreen::ShowFixedList(data::FixedListKind kind,
+                                  const std::function<data::FixedList()>& make)
+{
+    if (const auto refusal = data::CheckFixedList(kind, CurrTab(), state_.prefs.UseCd)) {
+        ui_.ShowMessage(refusal->Text, refusal->Title, refusal->Kind);
+        return;
+    }
+    if (!DatabaseOpen())
+        return;
+    const data::FixedList list = make();
+    state_.grids[static_cast<std::size_t>(CurrTab())].SetTag(list.Tag);
+    state_.SQL = list.SQL;
+    state_.UseLogDatabase = list.UseLogDatabase;
+    LoadCurrentTab("NOBUILD");
+    state_.UseLogDatabase = false;
+}
+
+bool frmMainScreen::DatabaseOpen()
+{
+    if (state_.objectDb)
+        return true;
+    ui_.ShowMessage(ChooseDatabaseText, ObjectDatabaseFailedTitle, "I");
+    return false;
+}
+
+void frmMainScreen::RunLoad(const std::function<void()>& routine)
+{
+    state_.CurrTab = CurrTab();
+    if (state_.CurrTab < kGridTabs && !DatabaseOpen())
+        return;
+    StopTimers();
+    routine();
+    StartTimers();
+    ShowCurrentTab();
+}
+
+void frmMainScreen::LoadCurrentTab(const std::string& mode)
+{
+    RunLoad([this, &mode] {
+        if (state_.CurrTab >= kGridTabs)
+            return;
+        GridLoad load;
+        load.BuildSQLSelectString = [this] { return filter_->BuildSQLSelectString(); };
+        LoadTheGrid(state_, state_.grids[static_cast<std::size_t>(state_.CurrTab)],
+                    ParseLoadMode(mode), load, ComputerClock());
+    });
+}
+
+void frmMainScreen::ShowCurrentTab()
+{
+    const int tab = CurrTab();
+    if (tab < kGridTabs)
+        RefreshGrid(tab);
+    ShowStatusBand();
+}
+
+TabPlan* frmMainScreen::CurrentPlan()
+{
+    const int tab = CurrTab();
+    state_.CurrTab = tab;
+    if (tab < 0 || tab >= kPlanTabs) {
+        ui_.ShowMessage(NeedsTabText, NeedsTabTitle, "I");
+        return nullptr;
+    }
+    return &state_.plans[static_cast<std::size_t>(tab)];
+}
+
+void frmMainScreen::GridCellClicked(int tab, int row, int col)
+{
+    if (tab < 0 || tab >= kGridTabs)
+        return;
+    lastCol_[tab] = col;
+    if (col == kPlanCol && grids_[tab]) {
+        state_.CurrTab = tab;
+        Grid& grid = *grids_[tab];
+        const int rowsBefore = grid.MaxRows();
+        mnuaddtoplan_Click(state_.plans[static_cast<std::size_t>(tab)], grid, row, ui_,
+                           MakePlanHooks());
+        if (grid.MaxRows() != rowsBefore)
+            RefreshGrid(tab);
+        else
+            models_[tab]->RowChanged(row);
+    }
+    if (hooks_.GridClick)
+        hooks_.GridClick(tab, row, col);
+}
+
+int frmMainScreen::SelectedRow() const
+{
+    const int tab = CurrTab();
+    if (tab < 0 || tab >= kGridTabs)
+        return 0;
+    const QModelIndex index = views_[tab]->currentIndex();
+    return index.isValid() ? index.row() + 1 : 0;
+}
+
+void frmMainScreen::OpenPlan(const std::string& name)
+{
+    TabPlan* plan = CurrentPlan();
+    if (!plan || !DatabaseOpen())
+        return;
+    cboPlan_Click(*plan, programDir_, name, ui_, ShippedIdLookup(*state_.objectDb),
+                  MakePlanHooks());
+    ShowCurrentTab();
+}
+
+PlanHooks frmMainScreen::MakePlanHooks()
+{
+    PlanHooks hooks;
+    hooks.UpdateStatusBar = [this] {
+        UpdateStatusBar(state_, ComputerClock());
+        ShowStatusBand();
+    };
+    hooks.mnuRfsh_Click = [this] {
+        UpdateStatusBar(state_, ComputerClock());
+        filter_->RefreshPref();
+    };
+    hooks.LoadTheGrid = [this](const std::string& mode) { LoadCurrentTab(mode); };
+    hooks.SetMisc = [this](const std::string& text) {
+        state_.status.lblMisc = text;
+        lblMisc->setText(Q(text));
+    };
+    hooks.FormatSpreadsheet = [this] { RefreshGrid(CurrTab()); };
+    hooks.LoadPlan = [this] {
+        const int tab = CurrTab();
+        state_.CurrTab = tab;
+        StopTimers();
+        LoadPlan(state_, state_.grids[static_cast<std::size_t>(tab)],
+                 state_.plans[static_cast<std::size_t>(tab)], ComputerClock());
+        StartTimers();
+        ShowCurrentTab();
+    };
+    return hooks;
+}
+
+const astro::Clock& frmMainScreen::ComputerClock() const
+{
+    return hooks_.computerClock ? *hooks_.computerClock : systemClock_;
 }
 
 void frmMainScreen::Form_Load(const std::string& version, int minimumSplashMs)
@@ -342,6 +566,10 @@ void frmMainScreen::Form_Load(const std::string& version, int minimumSplashMs)
     services::DeleteErrorLog(programDir_ / services::ErrorLogFileName);
     if (hooks_.LoadForm)
         services::Trap(ui_, "frmMainScreen.Form_Load", hooks_.LoadForm);
+    // The pickers list the catalogues and types of the database the start opened.
+    if (state_.objectDb)
+        filter_->ReloadLookups();
+    filter_->RefreshPref();
     rowret->setCurrentText(QString::fromStdString(RowretText(state_.prefs.rowret)));
     GetTabCaptions();
     for (int tab = 0; tab < kGridTabs; ++tab)
@@ -414,8 +642,13 @@ void frmMainScreen::ShowRowCount(int tab)
 void frmMainScreen::TabChanged(int tab)
 {
     state_.CurrTab = tab;
-    if (tab >= 0 && tab < kGridTabs)
+    if (tab >= 0 && tab < kGridTabs) {
         ShowRowCount(tab);
+        state_.status.lblMisc =
+            std::to_string(state_.plans[static_cast<std::size_t>(tab)].PlanCount()) +
+            InPlanSuffix;
+        lblMisc->setText(Q(state_.status.lblMisc));
+    }
 }
 
 void frmMainScreen::ShowStatusBand()
@@ -444,15 +677,7 @@ LoadFormHooks frmMainScreen::MakeLoadFormHooks()
         if (QAction* tool = Tool(std::string(key)))
             tool->setText(Q(caption));
     };
-    hooks.ShowShortCuts = [this](const ShortCutTools& tools) {
-        std::vector<std::string> plans;
-        std::vector<std::string> queries;
-        for (const ShortCutTool& tool : tools.plans)
-            plans.push_back(tool.key);
-        for (const ShortCutTool& tool : tools.queries)
-            queries.push_back(tool.key);
-        SetShortCuts(plans, queries);
-    };
+    hooks.ShowShortCuts = [this](const ShortCutTools& tools) { ShowShortCutTools(tools); };
     hooks.ShowSetupWizard = [this] { return ShowSetupWizard(); };
     hooks.HideGrids = [this](bool hidden) {
         for (QTableView* view : views_)
@@ -460,6 +685,7 @@ LoadFormHooks frmMainScreen::MakeLoadFormHooks()
     };
     hooks.UnloadStartupImage = [this] { UnloadStartupImage(); };
     hooks.GetTabCaptions = [this] { GetTabCaptions(); };
+    hooks.SelectFilterPage = [this](int page) { filter_->SetCurrentPage(page); };
     return hooks;
 }
 
@@ -558,6 +784,17 @@ void frmMainScreen::ToggleNightVision()
     }
 }
 
+void frmMainScreen::ShowShortCutTools(const ShortCutTools& tools)
+{
+    std::vector<std::string> plans;
+    std::vector<std::string> queries;
+    for (const ShortCutTool& tool : tools.plans)
+        plans.push_back(tool.key);
+    for (const ShortCutTool& tool : tools.queries)
+        queries.push_back(tool.key);
+    SetShortCuts(plans, queries);
+}
+
 void frmMainScreen::SetShortCuts(const std::vector<std::string>& plans,
                                  const std::vector<std::string>& queries)
 {
@@ -624,8 +861,12 @@ void frmMainScreen::Timer1_Timer()
     lblTime->setText(QString::fromStdString("Time: " + moment->Ptime));
     state_.prefs.PDate = moment->PDate;
     state_.prefs.Ptime = moment->Ptime;
-    if (hooks_.LoadTheGrid)
-        services::Trap(ui_, "ctlSpread.Timer1_Timer", [&] { hooks_.LoadTheGrid("NO BUILD"); });
+    services::Trap(ui_, "ctlSpread.Timer1_Timer", [&] {
+        if (hooks_.LoadTheGrid)
+            hooks_.LoadTheGrid("NO BUILD");
+        else
+            LoadCurrentTab("NO BUILD");
+    });
 }
 
 void frmMainScreen::Timer3_Timer()

@@ -7,6 +7,7 @@
 #include "spread/CommandTable.h"
 #include "spread/LoadForm.h"
 #include "spread/MainShell.h"
+#include "spread/Plans.h"
 #include "spread/ui/NightVision.h"
 
 #include <QMainWindow>
@@ -25,6 +26,7 @@ class QLineEdit;
 class QMenu;
 class QProgressBar;
 class QSplashScreen;
+class QSplitter;
 class QStackedWidget;
 class QTabWidget;
 class QTableView;
@@ -37,6 +39,7 @@ struct AppState;
 class BusyUiPort;
 class Grid;
 class GridModel;
+class ctlSpreadFilter;
 
 // What the window asks of the rest of the program. Each is optional: a missing one does
 // nothing, or makes its command say that it is not available.
@@ -46,7 +49,8 @@ struct MainScreenHooks
     std::function<void()> SaveTheColumns; // the column profiles
     // A click on a cell of a grid tab: tab 0 to 4, grid row from 1, grid column from 1.
     std::function<void(int tab, int row, int col)> GridClick;
-    // LoadTheGrid on the current tab with a mode text ("NO BUILD" from the real-time timer).
+    // LoadTheGrid on the current tab with a mode text ("NO BUILD" from the real-time timer);
+    // missing: the window's own LoadCurrentTab.
     std::function<void(const std::string& mode)> LoadTheGrid;
     // The computer clock of the real-time mode; nullptr: the machine's own.
     const astro::Clock* computerClock = nullptr;
@@ -90,6 +94,28 @@ public:
     GridModel& Model(int tab) { return *models_.at(tab); }
     QTableView& grdObject(int tab) { return *views_.at(tab); }
 
+    // The filter panel above the grid tabs of the spreadsheet view, in a splitter so that the
+    // list stays visible; its Refresh and Apply load the current tab.
+    ctlSpreadFilter& FilterPanel() { return *filter_; }
+    QSplitter& SpreadSplitter() { return *spreadSplitter_; }
+
+    // LoadTheGrid on the current tab with a mode text ("BUILD" through the filter panel's SQL
+    // builder), the marks of the tab's plan, then the tab and the status band repainted.
+    // Nothing on an image tab; without an object database it says so once.
+    void LoadCurrentTab(const std::string& mode);
+    // The current tab and the status band repainted after a routine changed them.
+    void ShowCurrentTab();
+
+    // A click on a grid cell (row and column from 1): column 1 toggles the row's plan mark.
+    void GridCellClicked(int tab, int row, int col);
+    // The grid row selected on the current tab, from 1; 0 when none.
+    int SelectedRow() const;
+    // cboPlan_Click: the plan file of the program folder with this name (a plan of the
+    // short-cut band) opened into the current tab.
+    void OpenPlan(const std::string& name);
+    // The steps the plan routines ask of the window, for the current tab.
+    PlanHooks MakePlanHooks();
+
     void SwitchToSpread();
     void ResetFilterOnTab();
     void FilterGridOnTab(const std::string& text);
@@ -108,6 +134,8 @@ public:
     // The plans and queries of the short-cut band, by file name (the key of their tool).
     void SetShortCuts(const std::vector<std::string>& plans,
                       const std::vector<std::string>& queries);
+    // The same from LoadTPlan's lists.
+    void ShowShortCutTools(const ShortCutTools& tools);
 
     // The preference windows, modal over the main window; true when OK kept the values.
     bool ShowPreferenceWindow(const std::string& key);
@@ -149,6 +177,18 @@ private:
     void BuildClientViews();
     void BuildStatusBand();
     void FillActions();
+    void FillPlanActions();
+    void FillListActions();
+    // Runs a load routine on the current tab (CurrTab kept in the state), then repaints.
+    void RunLoad(const std::function<void()>& routine);
+    // The plan of the current tab; nullptr, after "Please select a spreadsheet tab first",
+    // on an image tab.
+    TabPlan* CurrentPlan();
+    // False, after saying so, when no object database is open.
+    bool DatabaseOpen();
+    // A fixed list of the menus on the current tab, after its refusals.
+    void ShowFixedList(data::FixedListKind kind, const std::function<data::FixedList()>& make);
+    const astro::Clock& ComputerClock() const;
     void ShowGridMenu(int tab, const QPoint& pos);
     void TabChanged(int tab);
     void ShowRowCount(int tab);
@@ -171,6 +211,8 @@ private:
     QToolBar* shortCuts_ = nullptr;
     QStackedWidget* views4_ = nullptr;
     QTabWidget* sstab1_ = nullptr;
+    QSplitter* spreadSplitter_ = nullptr;
+    ctlSpreadFilter* filter_ = nullptr;
     std::array<QTableView*, kGridTabs> views_{};
     std::array<GridModel*, kGridTabs> models_{};
     std::array<Grid*, kGridTabs> grids_{};

@@ -1,10 +1,12 @@
-// selvane-cli grid run as a program on the built small edition (SelvPro13000.mdb), in a fresh
-// program folder with its own settings file.
+// selvane-cli grid, plan and sql run as a program on the built small edition (SelvPro13000.mdb)
+// and the full one (SelvPro708000.mdb), in a fresh program folder with its own settings file.
 
 #include <gtest/gtest.h>
 
 #include <QProcess>
 #include <QTemporaryDir>
+
+#include <QFile>
 
 #include <array>
 #include <string>
@@ -203,6 +205,130 @@ TEST_F(SelvaneCli, BuildRunsTheFilterSettings)
         EXPECT_EQ(cells[14], "And") << run.lines[i];
         EXPECT_LE(cells[3], previous) << "descending by ObjectID";
         previous = cells[3];
+    }
+}
+
+// The ObjectID each record of a shipped plan names: the older files keep NGC numbers bare.
+std::vector<std::string> ShippedPlanObjects(const QString& path)
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly)) << path.toStdString();
+    std::vector<std::string> objects;
+    for (const QByteArray& line : file.readAll().split('\n')) {
+        if (line.trimmed().isEmpty())
+            continue;
+        std::string id = Split(line.toStdString(), ',')[0];
+        id = id.substr(1, id.size() - 2);
+        const bool bare = id.find_first_not_of("0123456789") == std::string::npos;
+        objects.push_back(bare ? "NGC " + id : id);
+    }
+    return objects;
+}
+
+// Each shipped plan opened into tab 0: one row per entry the database holds, in the plan's
+// order, marked in the plan column. The ids stored in these files belong to an older object
+// table and are looked up again by name; the three Caldwell-catalogue entries of CALDWELL.PLN
+// exist only in the full edition.
+TEST_F(SelvaneCli, ShippedPlansGiveARowPerEntry)
+{
+    struct Case
+    {
+        const char* plan;
+        const char* database;
+        std::size_t rows;
+    };
+    const Case cases[] = {
+        {"HCLUB1.PLN", "SelvPro708000.mdb", 200}, {"HCLUB2.PLN", "SelvPro708000.mdb", 200},
+        {"CALDWELL.PLN", "SelvPro708000.mdb", 110}, {"123096.PLN", "SelvPro708000.mdb", 30},
+        {"CALDWELL.PLN", "SelvPro13000.mdb", 107},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::string(c.plan) + " on " + c.database);
+        const QString plan = QString(SELVANE_RESOURCES "/") + c.plan;
+        const std::vector<std::string> objects = ShippedPlanObjects(plan);
+        const CliRun run =
+            Cli({"--set", QString("cdDrive=" SELVANE_RESOURCES "/") + c.database, "plan", plan});
+        ASSERT_EQ(run.exit, 0) << run.err;
+        EXPECT_EQ(run.err, "");
+        ASSERT_EQ(run.lines.size(), c.rows + 1);
+        EXPECT_EQ(run.lines[0], Headers);
+        std::size_t next = 0; // rows come in plan order; missing entries are skipped
+        for (std::size_t i = 1; i < run.lines.size(); ++i) {
+            const std::vector<std::string> cells = Split(run.lines[i], '\t');
+            ASSERT_EQ(cells.size(), 31u);
+            EXPECT_EQ(cells[0], "X");
+            while (next < objects.size() && objects[next] != cells[3])
+                ++next;
+            EXPECT_LT(next, objects.size()) << cells[3] << " out of the plan's order";
+            ++next;
+        }
+    }
+}
+
+TEST_F(SelvaneCli, PlanAndSqlRefuseWhatTheyCannotRun)
+{
+    struct Case
+    {
+        const char* name;
+        QStringList args;
+        int exit;
+        const char* err;
+    };
+    const std::vector<Case> cases{
+        {"plan without a file", {"plan"}, 2, "plan needs a file"},
+        {"plan with two files", {"plan", "a.pln", "b.pln"}, 2, "unknown argument \"b.pln\""},
+        {"a missing plan file", {"plan", "/nonexistent/MY.PLN"}, 1, "File not found"},
+        {"a plan without a database",
+         {"--set", "cdDrive=/nonexistent/SelvPro708000.mdb", "plan",
+          SELVANE_RESOURCES "/HCLUB1.PLN"},
+         1, "The object database could not be opened."},
+        {"sql with an argument", {"sql", "--count"}, 2, "unknown argument \"--count\" of sql"},
+        {"sql without a database", {"--set", "cdDrive=/nonexistent/SelvPro708000.mdb", "sql"}, 1,
+         "The object database could not be opened."},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const CliRun run = Cli(c.args);
+        EXPECT_EQ(run.exit, c.exit) << run.err;
+        EXPECT_TRUE(run.lines.empty());
+        EXPECT_NE(run.err.find(c.err), std::string::npos) << run.err;
+    }
+}
+
+// sql prints the SQL line and the ORDER BY line of the filter settings; the SQL line, run as it
+// stands, gives the list that grid --build loads from the same settings.
+TEST_F(SelvaneCli, SqlPrintsWhatBuildRuns)
+{
+    struct Case
+    {
+        const char* name;
+        QStringList sets;
+        const char* orderBy;
+    };
+    const std::vector<Case> cases{
+        {"catalogue, constellation, magnitude, sorted",
+         {"--set", "ObCat=NGC 2000;", "--set", "Obcon=Ori-Orion;", "--set", "gMagU=9", "--set",
+          "sort1=Magnitude", "--set", "Des1=D"},
+         "ORDER BY Magnitude Desc"},
+        {"a computed sort writes no ORDER BY",
+         {"--set", "ObCat=NGC 2000;", "--set", "Obcon=Cyg-Cygnus;", "--set", "sort1=Altitude"},
+         ""},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const CliRun sql = Cli(c.sets + QStringList{"sql"});
+        ASSERT_EQ(sql.exit, 0) << sql.err;
+        ASSERT_EQ(sql.lines.size(), 2u);
+        EXPECT_TRUE(sql.lines[0].starts_with("Select * From SelvaneTable ")) << sql.lines[0];
+        EXPECT_EQ(sql.lines[1], c.orderBy);
+        EXPECT_TRUE(sql.lines[0].ends_with(sql.lines[1])) << sql.lines[0];
+
+        const CliRun built = Cli(c.sets + QStringList{"grid", "--build"});
+        const CliRun ran = Cli(c.sets + QStringList{"grid", "--sql",
+                                                     QString::fromStdString(sql.lines[0])});
+        ASSERT_EQ(built.exit, 0) << built.err;
+        EXPECT_GT(built.lines.size(), 1u);
+        EXPECT_EQ(ran.lines, built.lines);
     }
 }
 

@@ -452,6 +452,31 @@ TEST_F(PlanLoad, APlanWithoutRowsReportsNoObjects)
     EXPECT_EQ(ui.shown[0].message.ShortMessage, NoObjectsTitle);
 }
 
+// Every load of a tab marks the rows of that tab's plan by record id, so that the entries of a
+// shipped plan, whose ObjectID is the bare NGC number, are marked too; an entry with a note is
+// "X*"; the plan of another tab marks nothing.
+TEST_F(PlanLoad, ANormalLoadMarksTheTabsPlanByRecordId)
+{
+    TMM.prefs.Psupo = "N";
+    TMM.prefs.Pminalt = "";
+    TMM.prefs.Shers = false;
+    TMM.CurrTab = 1;
+    TMM.plans[1].PlanActive = true;
+    TMM.plans[1].entries = {{"224", "2000", 234, ""},
+                            {"NGC 1", "2000", 555, "a note"},
+                            {"gone", "2000", 99999, ""}};
+    TMM.plans[0].PlanActive = true;
+    TMM.plans[0].entries = {{"NGC 7331", "2000", 7800, ""}};
+    TMM.SQL = "Select * From SelvaneTable Order By ID";
+    GridLoad load;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(ObjectIds(), (std::vector<std::string>{"NGC 224", "NGC 1", "NGC 7331"}));
+    EXPECT_EQ(grid.Text(1, kPlnCol), "X");
+    EXPECT_EQ(grid.Text(2, kPlnCol), "X*");
+    EXPECT_EQ(grid.Text(3, kPlnCol), " ");
+    EXPECT_EQ(TMM.status.lblMisc, "3 Object(s) In Your Plan");
+}
+
 // The shipped plans on the default database, when this build folder holds them: every entry
 // whose object the database has gives a row.
 TEST(ShippedPlans, LoadARowForEveryEntryFoundInTheDefaultDatabase)
