@@ -308,35 +308,40 @@ const Recordset::Cell& Recordset::CellAt(int index) const
     return rows_[position_][index];
 }
 
+// The current row's value of a column of a streamed set. The value is the statement's own,
+// read through the value routines, which skip the statement routines' per-call locking and
+// error bookkeeping: the set is read by one thread at a time.
+inline sqlite3_value* Recordset::StreamedValue(int index) const
+{
+    if (pendingLast_)
+        PositionAtPendingLast();
+    if (eof_ || position_ < 0) // a streamed set has no deleted rows
+        Fail(NoCurrentRecordMessage);
+    return sqlite3_column_value(stmt_, StatementColumn(index));
+}
+
 bool Recordset::IsNull(int index) const
 {
-    if (!held_ && mode_ == EditMode::None) {
-        if (pendingLast_)
-            PositionAtPendingLast();
-        CheckCurrent();
-        return sqlite3_column_type(stmt_, StatementColumn(index)) == SQLITE_NULL;
-    }
+    if (!held_ && mode_ == EditMode::None)
+        return sqlite3_value_type(StreamedValue(index)) == SQLITE_NULL;
     return std::holds_alternative<std::monostate>(CellAt(index).value);
 }
 
 std::string_view Recordset::Text(int index) const
 {
     if (!held_ && mode_ == EditMode::None) {
-        if (pendingLast_)
-            PositionAtPendingLast();
-        CheckCurrent();
-        const int column = StatementColumn(index);
-        if (sqlite3_column_type(stmt_, column) == SQLITE_FLOAT) {
+        sqlite3_value* value = StreamedValue(index);
+        if (sqlite3_value_type(value) == SQLITE_FLOAT) {
             // The engine's text of a double drops a zero fraction ("4", not "4.0").
             auto& slot = numberText_[index];
-            const int n = std::snprintf(slot.data(), slot.size(), "%.15g",
-                                        sqlite3_column_double(stmt_, column));
+            const int n =
+                std::snprintf(slot.data(), slot.size(), "%.15g", sqlite3_value_double(value));
             return {slot.data(), static_cast<size_t>(n)};
         }
-        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt_, column));
+        const auto* text = reinterpret_cast<const char*>(sqlite3_value_text(value));
         if (!text)
             return {};
-        return {text, static_cast<size_t>(sqlite3_column_bytes(stmt_, column))};
+        return {text, static_cast<size_t>(sqlite3_value_bytes(value))};
     }
     const Cell& cell = CellAt(index);
     if (const auto* s = std::get_if<std::string>(&cell.value))
@@ -352,12 +357,8 @@ std::string_view Recordset::Text(int index) const
 
 double Recordset::Double(int index) const
 {
-    if (!held_ && mode_ == EditMode::None) {
-        if (pendingLast_)
-            PositionAtPendingLast();
-        CheckCurrent();
-        return sqlite3_column_double(stmt_, StatementColumn(index));
-    }
+    if (!held_ && mode_ == EditMode::None)
+        return sqlite3_value_double(StreamedValue(index));
     const Cell& cell = CellAt(index);
     if (const auto* d = std::get_if<double>(&cell.value))
         return *d;
@@ -370,12 +371,8 @@ double Recordset::Double(int index) const
 
 long long Recordset::Long(int index) const
 {
-    if (!held_ && mode_ == EditMode::None) {
-        if (pendingLast_)
-            PositionAtPendingLast();
-        CheckCurrent();
-        return sqlite3_column_int64(stmt_, StatementColumn(index));
-    }
+    if (!held_ && mode_ == EditMode::None)
+        return sqlite3_value_int64(StreamedValue(index));
     const Cell& cell = CellAt(index);
     if (const auto* l = std::get_if<long long>(&cell.value))
         return *l;

@@ -140,6 +140,7 @@ private:
     void PositionAtPendingLast() const;
     void CheckCurrent() const;
     const Cell& CellAt(int index) const;
+    sqlite3_value* StreamedValue(int index) const;
     Cell& EditCell(int index);
     int StatementColumn(int index) const { return index + offset_; }
 

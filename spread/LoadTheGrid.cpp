@@ -1,6 +1,8 @@
 #include "spread/LoadTheGrid.h"
 
 #include <algorithm>
+#include <condition_variable>
+#include <functional>
 #include <exception>
 #include <mutex>
 #include <set>
@@ -19,6 +21,7 @@ namespace spread {
 namespace {
 
 constexpr int kDefaultBlock = 4096;
+constexpr std::size_t kChunksPerWorker = 8;
 
 // Faults of the astronomy routines, gathered from the worker threads and reported once each on
 // the loading thread; the fatal one unwinds its worker.
@@ -95,9 +98,11 @@ BoundFields Bind(data::Recordset& rs, bool joined)
     return f;
 }
 
+// A null reads as 0, so only a 0 needs the second look.
 NumberField Number(const data::Field& field)
 {
-    return field.IsNull() ? NumberField{} : NumberField::Of(field.Double());
+    const double value = field.Double();
+    return value == 0 && field.IsNull() ? NumberField{} : NumberField::Of(value);
 }
 
 // A block of records copied out of the record set (its texts live only until it moves), in
@@ -167,7 +172,7 @@ private:
     std::vector<ObjectRecord> records_;
 };
 
-// The rows of one block's slice, as computed by one worker.
+// The rows of one chunk of a block, as computed by one worker.
 struct RowSlice
 {
     struct Row
@@ -214,6 +219,84 @@ void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
         out.text.append(out.scratch);
     }
 }
+
+// The worker threads of one load. Start hands them the chunks of a block and returns at once,
+// so that the loading thread can read the next block meanwhile; Wait returns when every chunk is
+// done. A job must not throw.
+class BlockWorkers
+{
+public:
+    explicit BlockWorkers(std::size_t count)
+    {
+        threads_.reserve(count);
+        try {
+            for (std::size_t i = 0; i < count; ++i)
+                threads_.emplace_back([this] { Work(); });
+        } catch (...) {
+            Stop();
+            throw;
+        }
+    }
+    ~BlockWorkers() { Stop(); }
+    BlockWorkers(const BlockWorkers&) = delete;
+    BlockWorkers& operator=(const BlockWorkers&) = delete;
+
+    void Start(std::size_t chunks, std::function<void(std::size_t chunk)> job)
+    {
+        {
+            std::lock_guard lock(mutex_);
+            job_ = std::move(job);
+            chunks_ = chunks;
+            next_ = 0;
+            finished_ = 0;
+        }
+        wake_.notify_all();
+    }
+
+    void Wait()
+    {
+        std::unique_lock lock(mutex_);
+        done_.wait(lock, [this] { return finished_ == chunks_; });
+    }
+
+private:
+    // Ends the threads once the chunks they hold are done; chunks not yet taken are dropped.
+    void Stop()
+    {
+        {
+            std::lock_guard lock(mutex_);
+            stop_ = true;
+        }
+        wake_.notify_all();
+        threads_.clear(); // joins
+    }
+
+    void Work()
+    {
+        std::unique_lock lock(mutex_);
+        for (;;) {
+            wake_.wait(lock, [this] { return stop_ || next_ < chunks_; });
+            if (stop_)
+                return;
+            const std::size_t chunk = next_++;
+            lock.unlock();
+            job_(chunk);
+            lock.lock();
+            if (++finished_ == chunks_)
+                done_.notify_one();
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable wake_;
+    std::condition_variable done_;
+    std::function<void(std::size_t)> job_;
+    std::size_t chunks_ = 0;
+    std::size_t next_ = 0;
+    std::size_t finished_ = 0;
+    bool stop_ = false;
+    std::vector<std::jthread> threads_;
+};
 
 services::vb::Regional RegionalFrom(const data::Preferences& p)
 {
@@ -372,52 +455,65 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         const astro::ObservingClock clock = ClockFrom(prefs);
         const RowContext context{options, clock, computerClock, faults};
 
-        const unsigned cores = std::max(1u, std::thread::hardware_concurrency());
-        const std::size_t blockSize =
-            static_cast<std::size_t>(load.blockSize > 0 ? load.blockSize : kDefaultBlock);
-        RecordBlock block;
-        std::vector<RowSlice> slices(cores);
-        long consumed = 0;
-        TMM.CancelRequested = false;
-
-        while (!rs.Eof() && !TMM.CancelRequested && (rowret == 0 || rows < rowret)) {
+        const bool askLogbook = prefs.DataLogType && TMM.logbookDb;
+        auto readBlock = [&](RecordBlock& block, std::size_t size) {
             block.Clear();
-            while (!rs.Eof() && block.Size() < blockSize) {
-                const std::string_view objectId = fields.ObjectID.Text();
-                const bool observed = prefs.DataLogType && TMM.logbookDb
-                                          ? LoggedInLogbook(*TMM.logbookDb, objectId)
+            while (!rs.Eof() && block.Size() < size) {
+                const bool observed = askLogbook
+                                          ? LoggedInLogbook(*TMM.logbookDb, fields.ObjectID.Text())
                                           : fields.Observed.Bool();
-                const double recordId = fields.ID.IsNull() ? 0 : fields.ID.Double();
+                const double recordId = fields.ID.Double(); // 0 for null
                 const std::string_view mark =
                     load.planMark ? load.planMark(recordId) : marks.Mark(recordId);
                 block.Read(fields, observed, mark);
                 rs.MoveNext();
             }
             block.Seal();
+        };
 
-            // A small block is not worth the threads.
-            const std::size_t n = block.Size();
-            const std::size_t workers = n < 64 ? 1 : std::min<std::size_t>(cores, n);
-            std::vector<std::exception_ptr> errors(workers);
-            {
-                std::vector<std::jthread> threads;
-                for (std::size_t w = 0; w < workers; ++w) {
-                    const std::size_t begin = n * w / workers;
-                    const std::size_t end = n * (w + 1) / workers;
-                    auto work = [&, w, begin, end] {
-                        try {
-                            slices[w].Clear();
-                            ComputeSlice(block, begin, end, context, slices[w]);
-                        } catch (...) {
-                            errors[w] = std::current_exception();
-                        }
-                    };
-                    if (w + 1 == workers)
-                        work(); // the loading thread takes the last slice itself
-                    else
-                        threads.emplace_back(work);
+        // Two blocks: the workers compute one while this thread reads the other. The rows are
+        // appended here, in record order, with the row limit and the cancel checked row by
+        // row, so at most one block is read beyond the last row kept.
+        const std::size_t blockSize =
+            static_cast<std::size_t>(load.blockSize > 0 ? load.blockSize : kDefaultBlock);
+        RecordBlock blocks[2];
+        RecordBlock* computing = &blocks[0];
+        RecordBlock* reading = &blocks[1];
+        std::vector<RowSlice> slices;
+        std::vector<std::exception_ptr> errors;
+        const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
+        BlockWorkers workers(cores);
+        long consumed = 0;
+        TMM.CancelRequested = false;
+
+        readBlock(*computing, blockSize);
+        while (computing->Size() > 0) {
+            // Chunks several times the workers, so that a slow chunk does not hold the block.
+            const std::size_t n = computing->Size();
+            const std::size_t chunks = std::min(n, cores * kChunksPerWorker);
+            if (slices.size() < chunks)
+                slices.resize(chunks);
+            errors.assign(chunks, nullptr);
+            const RecordBlock& block = *computing;
+            workers.Start(chunks, [&, n, chunks](std::size_t chunk) {
+                try {
+                    slices[chunk].Clear();
+                    ComputeSlice(block, n * chunk / chunks, n * (chunk + 1) / chunks, context,
+                                 slices[chunk]);
+                } catch (...) {
+                    errors[chunk] = std::current_exception();
                 }
+            });
+            // A failure reading the next block comes after this block's rows, as it would
+            // have in a one-by-one load.
+            std::exception_ptr readFailure;
+            try {
+                readBlock(*reading, blockSize);
+            } catch (...) {
+                readFailure = std::current_exception();
             }
+            workers.Wait();
+
             for (const std::exception_ptr& error : errors) {
                 if (!error)
                     continue;
@@ -431,13 +527,16 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
             faults.Flush(ui);
 
             // Append in record order until the row limit or a cancel.
-            for (std::size_t w = 0; w < workers; ++w) {
-                for (const RowSlice::Row& row : slices[w].rows) {
-                    if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested)
+            bool stopped = false;
+            for (std::size_t c = 0; c < chunks && !stopped; ++c) {
+                const RowSlice& slice = slices[c];
+                for (const RowSlice::Row& row : slice.rows) {
+                    if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested) {
+                        stopped = true;
                         break;
+                    }
                     if (row.verdict.kept) {
-                        grid.AppendRow(std::string_view(slices[w].text)
-                                           .substr(row.offset, row.length));
+                        grid.AppendRow(std::string_view(slice.text).substr(row.offset, row.length));
                         ++rows;
                         (row.verdict.gcvs ? seenGcvs : seenOther) = true;
                     }
@@ -449,6 +548,13 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
                     }
                 }
             }
+            // Past the limit or cancelled, the block read ahead is dropped, and so is a failure
+            // reading it.
+            if (stopped || (rowret != 0 && rows >= rowret) || TMM.CancelRequested)
+                break;
+            if (readFailure)
+                std::rethrow_exception(readFailure);
+            std::swap(computing, reading);
         }
         load.cancelled = TMM.CancelRequested;
     });

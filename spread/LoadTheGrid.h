@@ -1,9 +1,11 @@
 #pragma once
 // Filling one spreadsheet tab's grid: the query on the right database, the fields bound once,
 // each record's computed columns and row filters, one Clip per kept row, then the formatting.
-// Long lists are computed on all cores: records are read in blocks on the calling thread, the
-// rows of a block are computed in parallel, and kept rows are appended in record order, so the
-// output and the row limit (rowret, counted after the filters) are those of a one-by-one load.
+// Long lists are computed on all cores: the calling thread reads the records in blocks, and
+// while worker threads compute the rows of one block it reads the next. It appends the kept
+// rows of each block in record order and alone calls the port, so the output, the row limit
+// (rowret, counted after the filters), the cancel and the faults are those of a one-by-one load;
+// at most one block is read beyond the row where the load stops, and it is dropped unseen.
 
 #include <functional>
 #include <string>
@@ -43,7 +45,7 @@ struct GridLoad
     // entries survive a reload, and rows that leave the list stay in the plan.
     std::function<std::string_view(double recordId)> planMark;
     int planCount = 0; // the plan's count for lblMisc, read only with planMark given
-    // Rows computed per parallel block; 0 leaves it to the load.
+    // Records per block; 0 leaves it to the load.
     int blockSize = 0;
 
     // Results.

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "data/Schema.h"
+#include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
 
 using namespace spread;
@@ -46,6 +47,8 @@ protected:
 
     void Insert(const std::vector<Object>& objects)
     {
+        // One transaction: a commit per row would take most of the test's time.
+        sqlite3_exec(TMM.objectDb->Handle(), "BEGIN", nullptr, nullptr, nullptr);
         long id = 1;
         for (const Object& o : objects) {
             TMM.objectDb->Execute(
@@ -54,6 +57,7 @@ protected:
                 std::to_string(id++) + ", '" + o.id + "', '" + o.catalog + "', 'Gx', " +
                 o.raHours + ", 30.5, " + std::to_string(o.decDeg) + ", 15, 2000, False, ' ')");
         }
+        sqlite3_exec(TMM.objectDb->Handle(), "COMMIT", nullptr, nullptr, nullptr);
     }
 
     std::vector<std::string> Ids() const
@@ -62,6 +66,14 @@ protected:
         for (int row = 1; row <= grid.MaxRows(); ++row)
             ids.emplace_back(grid.Text(row, 4));
         return ids;
+    }
+
+    std::vector<std::string> RowTexts() const
+    {
+        std::vector<std::string> texts;
+        for (int row = 1; row <= grid.MaxRows(); ++row)
+            texts.emplace_back(grid.RowText(row));
+        return texts;
     }
 
     std::vector<std::string> ShownTitles() const
@@ -105,27 +117,124 @@ TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
         ADD_FAILURE() << s.message.ShortMessage << ": " << s.message.LongMessage;
 }
 
-// The parallel blocks give the rows of a one-by-one load, in the same order.
-TEST_F(LoadFixture, ParallelBlocksMatchOneByOne)
+// Blocks of 100 are computed while the next block is read; the row limit and a cancel still
+// stop the load at the row where a one-by-one load stops, wherever that row falls.
+TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
 {
-    Insert(Alternating(300));
+    Insert(Alternating(300)); // the even records are kept, one row per two records
     TMM.prefs.Pminalt = "0";
     TMM.prefs.Prise = "Y";
     TMM.prefs.ShowCharts = true;
-    TMM.prefs.rowret = 120;
     load.blockSize = 1;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-    std::vector<std::string> serial;
-    for (int row = 1; row <= grid.MaxRows(); ++row)
-        serial.emplace_back(grid.RowText(row));
+    ASSERT_EQ(grid.MaxRows(), 150);
+    const std::vector<std::string> reference = RowTexts();
 
-    Grid parallel;
+    struct Case
+    {
+        const char* name;
+        long rowret;
+        int cancelAfterPumps; // a pump comes every 10 records
+        int rows;
+        int progress; // records taken, as the progress bar last stepped
+    };
+    const Case cases[] = {
+        {"limit inside the first block", 30, -1, 30, 60},
+        {"limit on the first block's last record", 50, -1, 50, 100},
+        {"limit inside the second block", 70, -1, 70, 140},
+        {"limit inside the last block", 120, -1, 120, 240},
+        {"limit beyond the rows", 500, -1, 150, 300},
+        {"cancel on the first block's last record", 0, 10, 50, 100},
+        {"cancel inside the second block", 0, 15, 75, 150},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        TMM.prefs.rowret = c.rowret;
+        ui.cancelAfterPumps = c.cancelAfterPumps;
+        load.blockSize = 100;
+        grid = Grid();
+        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+        EXPECT_EQ(RowTexts(), std::vector<std::string>(reference.begin(),
+                                                       reference.begin() + c.rows));
+        EXPECT_EQ(ui.progressPos, c.progress);
+        EXPECT_EQ(load.cancelled, c.cancelAfterPumps > 0);
+        EXPECT_EQ(TMM.status.lblNOM, std::to_string(c.rows) + " Objects");
+        EXPECT_FALSE(TMM.QueryRunning);
+    }
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+// A fault of a later block is reported once, after that block is computed, and its rows stay;
+// a fault in the block read ahead past the row limit is never computed, so never reported.
+TEST_F(LoadFixture, FaultsOfLaterBlocks)
+{
+    Insert(Alternating(300));
+    // Precession cannot take these epochs: each row reports an overflow and keeps its place.
+    TMM.objectDb->Execute("Update SelvaneTable Set EPOCH = 99999 Where ID In (150, 250)");
+    TMM.prefs.PPre = "06/15/2024";
+    struct Case
+    {
+        long rowret;
+        int rows;
+        bool reported;
+    };
+    const Case cases[] = {
+        {0, 300, true},    // in the second and third blocks: one report
+        {160, 160, true},  // the second block is computed whole
+        {100, 100, false}, // the second block is read ahead and dropped
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.rowret);
+        ui.shown.clear();
+        TMM.prefs.rowret = c.rowret;
+        load.blockSize = 100;
+        grid = Grid();
+        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+        EXPECT_EQ(grid.MaxRows(), c.rows);
+        EXPECT_FALSE(load.failed);
+        ASSERT_EQ(ui.shown.size(), c.reported ? 1u : 0u);
+        if (c.reported) {
+            EXPECT_NE(ui.shown[0].Text().find("Module1.Precession"), std::string::npos)
+                << ui.shown[0].Text();
+            EXPECT_EQ(grid.Text(150, 4), "N150");
+        }
+    }
+}
+
+// The arcsine fault of the best-time search ends the process. In a later block it ends it once
+// that block is computed: the fault is reported first, and the earlier blocks' rows are in.
+TEST_F(LoadFixture, FatalFaultInALaterBlock)
+{
+    struct Ended
+    {
+        int exitCode;
+    };
+    Insert(Alternating(249));
+    // An object whose altitude at one of the best-time samples takes the arcsine's argument
+    // past 1 by rounding.
+    TMM.objectDb->Execute(
+        "Insert Into SelvaneTable (ID, ObjectID, Catalog, ObjectType, RAhours, RAminutes, "
+        "DeclinationDegrees, DeclinationMinutes, EPOCH, Observed, HObject) Values "
+        "(250, 'IC 928', '2000', 'Gx', 13, 43.8, 55, 34.072, 2000, False, ' ')");
+    TMM.prefs.Palt = "Y";
+    TMM.prefs.Prise = "Y";
+    TMM.prefs.ShowCharts = true;
+    TMM.prefs.PPre = "06/15/2024";
+    TMM.prefs.optimum = true;
+    services::SetEndProcessHandler([](int exitCode) { throw Ended{exitCode}; });
     load.blockSize = 100;
-    LoadTheGrid(TMM, parallel, LoadMode::NoBuild, load, clock);
-    ASSERT_EQ(parallel.MaxRows(), 120);
-    ASSERT_EQ(static_cast<int>(serial.size()), 120);
-    for (int row = 1; row <= parallel.MaxRows(); ++row)
-        EXPECT_EQ(parallel.RowText(row), serial[static_cast<std::size_t>(row - 1)]) << row;
+    int exitCode = -1;
+    try {
+        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    } catch (const Ended& ended) {
+        exitCode = ended.exitCode;
+    }
+    services::SetEndProcessHandler(nullptr);
+    EXPECT_NE(exitCode, -1);
+    EXPECT_EQ(grid.MaxRows(), 200);
+    ASSERT_EQ(ui.shown.size(), 1u);
+    EXPECT_NE(ui.shown[0].Text().find("Module1.CalcASN"), std::string::npos)
+        << ui.shown[0].Text();
 }
 
 TEST_F(LoadFixture, MissingPositionShowsNaAndEscapesTheAltitudeFilter)
