@@ -193,21 +193,6 @@ TEST_F(SelvaneCli, CountsQueriesAndExitStatus)
     }
 }
 
-TEST_F(SelvaneCli, BuildRunsTheFilterSettings)
-{
-    const CliRun run = Cli({"--set", "ObCat=NGC 2000;", "--set", "Obcon=And-Andromeda;", "--set",
-                         "sort1=ObjectID", "--set", "Des1=D", "grid", "--build"});
-    ASSERT_EQ(run.exit, 0) << run.err;
-    ASSERT_GE(run.lines.size(), 3u);
-    std::string previous = "~";
-    for (std::size_t i = 1; i < run.lines.size(); ++i) {
-        const std::vector<std::string> cells = Split(run.lines[i], '\t');
-        EXPECT_EQ(cells[14], "And") << run.lines[i];
-        EXPECT_LE(cells[3], previous) << "descending by ObjectID";
-        previous = cells[3];
-    }
-}
-
 // The ObjectID each record of a shipped plan names: the older files keep NGC numbers bare.
 std::vector<std::string> ShippedPlanObjects(const QString& path)
 {

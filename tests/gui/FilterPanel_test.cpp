@@ -9,20 +9,18 @@
 #include "services/ScriptedUiPort.h"
 #include "spread/AppState.h"
 #include "spread/Grid.h"
-#include "spread/ui/GridModel.h"
+
+#include "GuiApp.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPlainTextEdit>
 #include <QPushButton>
-#include <QSplitter>
 #include <QTabWidget>
-#include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -30,7 +28,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <memory>
 #include <set>
@@ -40,17 +37,6 @@
 namespace {
 
 using spread::ctlSpreadFilter;
-
-QApplication& App()
-{
-    static int argc = 1;
-    static char name[] = "selvane_filter_panel_tests";
-    static char* argv[] = {name, nullptr};
-    // Deliberate: never destroyed. Destroying it among the exit handlers crashes in the input
-    // devices that the simulated mouse clicks registered.
-    static QApplication* app = new QApplication(argc, argv);
-    return *app;
-}
 
 const std::filesystem::path SmallEdition =
     std::filesystem::path(SELVANE_RESOURCE_DIR) / "SelvPro13000.mdb";
@@ -207,29 +193,6 @@ TEST_F(FilterPanel, RefreshLoadsExactlyTheChosenObjects)
     // The choices are in the settings file, for the next start.
     EXPECT_EQ(state->settings.Get("ObCat").value_or("<none>"), "NGC 2000;Caldwell;");
     EXPECT_EQ(state->settings.Get("gMagU").value_or("<none>"), "10");
-
-    if (const char* shot = std::getenv("SELVANE_FILTER_PANEL_SHOT")) {
-        spread::GridModel model;
-        model.SetGrid(&grid);
-        QSplitter window(Qt::Vertical);
-        panel->setParent(&window);
-        auto* view = new QTableView(&window);
-        view->setModel(&model);
-        view->verticalHeader()->setDefaultSectionSize(18);
-        window.addWidget(panel.get());
-        window.addWidget(view);
-        window.resize(1300, 720);
-        panel->tabFilter->setCurrentIndex(0);
-        window.show();
-        QTest::qWait(50);
-        window.grab().save(shot);
-        for (int page = 1; page < 6; ++page) {
-            panel->tabFilter->setCurrentIndex(page);
-            QTest::qWait(20);
-            panel->grab().save(QString(shot).replace(".png", QString("-%1.png").arg(page)));
-        }
-        panel->setParent(nullptr);
-    }
 }
 
 TEST_F(FilterPanel, PickersWriteTheirLabelsInTheirOwnOrder)

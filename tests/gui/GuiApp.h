@@ -1,8 +1,18 @@
 #pragma once
-// The one QApplication of the widget tests, made on first use. It is never destroyed:
-// destroying it from a static destructor at exit would run after Qt's own clean-up.
+// The one QApplication of the widget tests, made on first use, and the port the main-window
+// tests share. The application is never destroyed: destroying it from a static destructor at
+// exit would run after Qt's own clean-up.
+
+#include "spread/ui/BusyUiPort.h"
 
 #include <QApplication>
+#include <QProgressBar> // BusyUiPort.h holds a pointer it assigns inline
+
+#include <deque>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
 
 inline QApplication& App()
 {
@@ -12,3 +22,49 @@ inline QApplication& App()
     static QApplication* app = new QApplication(argc, argv);
     return *app;
 }
+
+// The program's port with its real busy window and progress bar; only the modal windows, which
+// would wait for a person, are replaced by a record and queues of answers.
+class TestPort : public spread::BusyUiPort
+{
+public:
+    std::vector<services::Message> shown;
+    std::deque<std::string> inputAnswers;
+    std::deque<std::string> saveAnswers;
+    std::vector<std::string> prompts;
+
+    void DisplayMessage(const services::Message& message) override { shown.push_back(message); }
+    bool Ask(const std::string& question, const std::string&, bool) override
+    {
+        ADD_FAILURE() << "Unexpected question: " << question;
+        return false;
+    }
+    std::string InputBox(const std::string& prompt, const std::string& title,
+                         const std::string& defaultText) override
+    {
+        prompts.push_back(prompt + "|" + title + "|" + defaultText);
+        return Next(inputAnswers, "input box " + prompt);
+    }
+    std::string AskSaveFile(const std::string&, const std::string&, const std::string&,
+                            const std::string&) override
+    {
+        return Next(saveAnswers, "save dialog");
+    }
+    std::string AskOpenFile(const std::string&, const std::string&) override
+    {
+        ADD_FAILURE() << "Unexpected open dialog";
+        return {};
+    }
+
+private:
+    static std::string Next(std::deque<std::string>& answers, const std::string& what)
+    {
+        if (answers.empty()) {
+            ADD_FAILURE() << "Unanswered " << what;
+            return {};
+        }
+        std::string answer = answers.front();
+        answers.pop_front();
+        return answer;
+    }
+};

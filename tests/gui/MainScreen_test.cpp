@@ -32,35 +32,6 @@
 
 namespace {
 
-// The program's port with its real busy window and progress bar; only the modal message and
-// input windows, which would wait for a person, are replaced by a record and a queue.
-class TestPort : public spread::BusyUiPort
-{
-public:
-    std::vector<services::Message> shown;
-    std::deque<std::string> inputAnswers;
-    std::vector<std::string> prompts;
-
-    void DisplayMessage(const services::Message& message) override { shown.push_back(message); }
-    bool Ask(const std::string& question, const std::string&, bool) override
-    {
-        ADD_FAILURE() << "Unexpected question: " << question;
-        return false;
-    }
-    std::string InputBox(const std::string& prompt, const std::string& title,
-                         const std::string& defaultText) override
-    {
-        prompts.push_back(prompt + "|" + title + "|" + defaultText);
-        if (inputAnswers.empty()) {
-            ADD_FAILURE() << "Unanswered input box: " << prompt;
-            return {};
-        }
-        std::string answer = inputAnswers.front();
-        inputAnswers.pop_front();
-        return answer;
-    }
-};
-
 // A window over a temporary program folder and its own settings file.
 struct Screen
 {
@@ -429,60 +400,6 @@ TEST(frmMainScreen, StartKeepsTheSplashUpAndBeginsANewErrorLog)
     EXPECT_EQ(s.loadForm, 1);
     EXPECT_TRUE(s.window->isVisible());
     EXPECT_FALSE(std::filesystem::exists(s.Dir() / services::ErrorLogFileName));
-}
-
-// Not a check: with SELVANE_SCREENSHOTS naming a folder, saves the main window in day and in
-// night vision there, for a person to look at.
-TEST(frmMainScreen, Screenshots)
-{
-    const QString folder = qEnvironmentVariable("SELVANE_SCREENSHOTS");
-    if (folder.isEmpty())
-        GTEST_SKIP() << "SELVANE_SCREENSHOTS not set";
-    Screen s;
-    spread::Grid grid;
-    const char* headers[] = {
-        "pln",     "img",         "obs",     "ObjectID",   "Other ID", "Type",     "R.A.",
-        "Dec.",    "Epoch",       "Alt",     "Azm",        "Rise",     "Transit",  "Set",
-        "Const",   "Size",        "Mag 1",   "Mag 2",      "mcode",    "Gal Lon",  "Gal Lat",
-        "Pos Ang", "Sep",         "Catalog", "Image Path", "Herschel", "RecordID", "Sky#",
-        "Ura#",    "Millennium#", "Desc"};
-    for (int col = 1; col <= spread::kGridCols; ++col)
-        grid.SetHeader(col, headers[col - 1]);
-    const char* rows[] = {
-        "X\tX\t \tM 1\tNGC 1952\tSNR\t05 34 31.9\t+22 00 "
-        "52.0\t2000\t+35.20\t101.33\t16:02\t23:31\t07:00\tTau\t6.00\t8.40\t0.00\t "
-        "\t184.6\t-5.8\t0.0\t0.0\t2000\t \t \t2085\t5\t135\t136\tCrab Nebula",
-        " \tX\tX\tM 31\tNGC 224\tGx\t00 42 44.3\t+41 16 "
-        "09.0\t2000\t+62.81\t68.10\t12:11\t19:40\t03:09\tAnd\t178.00\t3.40\t0.00\tSb\t121.2\t-21."
-        "6\t35.0\t0.0\t2000\t \tH 1\t1\t4\t60\t104\tAndromeda Galaxy",
-        " \t \t \tM 42\tNGC 1976\tEN+*\t05 35 17.3\t-05 23 "
-        "28.0\t2000\t+12.40\t130.92\t18:30\t23:33\t04:36\tOri\t85.00\t4.00\t0.00\t "
-        "\t209.0\t-19.4\t0.0\t0.0\t2000\t \t \t3\t11\t225\t258\tOrion Nebula",
-        " \t \tX\tM 45\tMel 22\tOC\t03 47 00.0\t+24 07 "
-        "00.0\t2000\t+51.07\t92.61\t14:20\t21:45\t05:10\tTau\t110.00\t1.20\t0.00\t "
-        "\t166.6\t-23.5\t0.0\t0.0\t2000\t \t \t5\t4\t132\t137\tPleiades",
-        " \t \t \tM 57\tNGC 6720\tPN\t18 53 35.1\t+33 01 "
-        "45.0\t2000\t-4.12\t320.44\t09:20\t17:46\t02:13\tLyr\t1.40\t8.80\t15.30\t "
-        "\t63.2\t13.9\t0.0\t0.0\t2000\t \tH 13\t6720\t8\t117\t1153\tRing Nebula",
-    };
-    for (const char* row : rows)
-        grid.AppendRow(row);
-    for (int col = 1; col <= spread::kGridCols; ++col)
-        grid.SetColWidth(col, std::max(grid.MaxTextColWidth(col) + 1, 4.0));
-    grid.SetTag("All Messier Objects");
-    s.window->SetGrid(0, &grid);
-    s.window->lblDate->setText("Date: 11/21/26");
-    s.window->lblTime->setText("Time: 22:00");
-    s.window->lblLat->setText("Lat: 46\u00b030'00\"");
-    s.window->lblLong->setText("Lon: 90\u00b012'00\"  Time Zone : 6");
-    s.window->resize(1380, 820);
-    s.window->show();
-    QApplication::processEvents();
-    s.window->grab().save(folder + "/main-day.png");
-    s.window->Tool("redmode")->trigger();
-    QApplication::processEvents();
-    s.window->grab().save(folder + "/main-night.png");
-    s.window->Tool("redmode")->trigger();
 }
 
 } // namespace

@@ -31,42 +31,12 @@
 
 namespace {
 
-class PlanPort : public spread::BusyUiPort
-{
-public:
-    std::vector<services::Message> shown;
-    std::deque<std::string> saveAnswers;
-
-    void DisplayMessage(const services::Message& message) override { shown.push_back(message); }
-    bool Ask(const std::string& question, const std::string&, bool) override
-    {
-        ADD_FAILURE() << "Unexpected question: " << question;
-        return false;
-    }
-    std::string AskSaveFile(const std::string&, const std::string&, const std::string&,
-                            const std::string&) override
-    {
-        if (saveAnswers.empty()) {
-            ADD_FAILURE() << "Unexpected save dialog";
-            return {};
-        }
-        std::string answer = saveAnswers.front();
-        saveAnswers.pop_front();
-        return answer;
-    }
-    std::string AskOpenFile(const std::string&, const std::string&) override
-    {
-        ADD_FAILURE() << "Unexpected open dialog";
-        return {};
-    }
-};
-
 // The window with the small edition open and its pickers filled, as after the start.
 struct Screen
 {
     bool appReady = (App(), true);
     QTemporaryDir dir;
-    PlanPort ui;
+    TestPort ui;
     spread::AppState state{ui, data::ProgramDir{Dir()},
                            data::SettingsStore(Dir() / "Selvane2000.ini")};
     astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};

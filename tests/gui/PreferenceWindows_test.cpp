@@ -144,26 +144,3 @@ TEST(frmSetupWizard, RefusesAFileThatIsNotTheObjectDatabase)
 }
 
 } // namespace
-
-namespace {
-
-// Not a check: with SELVANE_SCREENSHOTS naming a folder, saves the spreadsheet options and
-// the setup wizard there, for a person to look at.
-TEST(PreferenceWindows, Screenshots)
-{
-    const QString folder = qEnvironmentVariable("SELVANE_SCREENSHOTS");
-    if (folder.isEmpty())
-        GTEST_SKIP() << "SELVANE_SCREENSHOTS not set";
-    Prefs p;
-    spread::frmPref7 options(p.prefs, p.store, p.ui);
-    options.show();
-    QApplication::processEvents();
-    options.grab().save(folder + "/pref-spreadsheet.png");
-    spread::frmSetupWizard wizard(p.prefs, p.store, p.ui,
-                                  {{"Phoenix, Arizona, USA", 33.4531, 112.0739, 7}});
-    wizard.show();
-    QApplication::processEvents();
-    wizard.grab().save(folder + "/pref-wizard.png");
-}
-
-} // namespace

@@ -5,7 +5,6 @@
 #include <QTemporaryDir>
 
 #include <fstream>
-#include <iostream>
 
 #include "PlanTestSupport.h"
 #include "services/ScriptedUiPort.h"
@@ -475,48 +474,6 @@ TEST_F(PlanLoad, ANormalLoadMarksTheTabsPlanByRecordId)
     EXPECT_EQ(grid.Text(2, kPlnCol), "X*");
     EXPECT_EQ(grid.Text(3, kPlnCol), " ");
     EXPECT_EQ(TMM.status.lblMisc, "3 Object(s) In Your Plan");
-}
-
-// The shipped plans on the default database, when this build folder holds them: every entry
-// whose object the database has gives a row.
-TEST(ShippedPlans, LoadARowForEveryEntryFoundInTheDefaultDatabase)
-{
-    const std::filesystem::path resources = SELVANE_RESOURCE_DIR;
-    if (!std::filesystem::exists(resources / "SelvPro708000.mdb"))
-        GTEST_SKIP() << "the databases are not built in " << resources;
-    QTemporaryDir dir;
-    const std::filesystem::path folder = dir.path().toStdString();
-    services::ScriptedUiPort ui;
-    ui.echo = false;
-    AppState TMM{ui, data::ProgramDir{folder}, data::SettingsStore(folder / "s.ini")};
-    data::OpenOptions readOnly;
-    readOnly.readOnly = true;
-    TMM.objectDb = data::Database::Open(resources / "SelvPro708000.mdb", readOnly);
-    TMM.prefs.speed1 = true;
-    astro::FixedClock clock{astro::LocalDateTime{2003, 10, 25, 22, 0, 0}};
-    for (const char* name : {"HCLUB1.PLN", "HCLUB2.PLN", "CALDWELL.PLN", "123096.PLN"}) {
-        SCOPED_TRACE(name);
-        Grid grid;
-        TabPlan plan;
-        const PlanIntoGrid result = OpenPlanIntoGrid(TMM, grid, plan, resources / name, clock);
-        ASSERT_TRUE(result.opened.opened);
-        int found = 0;
-        for (const PlanEntry& e : plan.entries) {
-            data::Recordset rs = TMM.objectDb->OpenRecordset(
-                "Select ID From SelvaneTable Where ID = " + services::vb::Format(e.PlanRecordID, ""),
-                data::Snapshot);
-            found += rs.Eof() ? 0 : 1;
-        }
-        EXPECT_EQ(grid.MaxRows(), found);
-        EXPECT_EQ(found, plan.PlanCount());
-        // The stored ids are those of an older table: only the look-up by name finds the object.
-        if (std::string(name) != "CALDWELL.PLN") {
-            for (int r = 1; r <= grid.MaxRows(); ++r)
-                ASSERT_EQ(grid.Text(r, kObjectIdCol), "NGC " + plan.entries[r - 1].PlanObjectID);
-        }
-        std::cout << name << ": " << plan.PlanCount() << " entries, " << grid.MaxRows()
-                  << " rows\n";
-    }
 }
 
 } // namespace

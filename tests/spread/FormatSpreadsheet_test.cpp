@@ -52,31 +52,6 @@ TEST(FormatSpreadsheet, TabAboveFourReturnsAtOnce)
     EXPECT_EQ(Ids(grid), "abc");
 }
 
-TEST(FormatSpreadsheet, HeadersByTheCatalogueRule)
-{
-    struct Case
-    {
-        bool allGcvs;
-        std::vector<std::pair<int, const char*>> headers;
-    };
-    const Case cases[] = {
-        {false, {{5, "Other ID"}, {17, "Mag 1"}, {18, "Mag 2"}, {20, "Gal Lon"},
-                 {21, "Gal Lat"}, {23, "Sep"}, {4, "ObjectID"}, {30, "Millennium#"}}},
-        {true, {{5, "Var Type"}, {17, "MagMax"}, {18, "MagMin"}, {20, "Epoch Max Light"},
-                {21, "Period"}, {23, "Dur Ecl"}, {4, "ObjectID"}, {31, "Desc"}}},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.allGcvs);
-        Grid grid = ThreeRows();
-        FormatOptions options;
-        options.allGcvs = c.allGcvs;
-        FormatSpreadsheet(grid, 0, true, options);
-        for (const auto& [col, header] : c.headers)
-            EXPECT_EQ(grid.Header(col), header) << "column " << col;
-        EXPECT_EQ(grid.ColWidth(0), 6.25);
-    }
-}
-
 TEST(FormatSpreadsheet, SortsOnlyByComputedColumns)
 {
     struct Case

@@ -35,15 +35,6 @@ TEST(RowretText, RoundTripsEveryChoice)
     }
 }
 
-TEST(TabCaption, KeysDefaultsAndProposalCountFromOne)
-{
-    EXPECT_EQ(spread::TabCaptionKey(0), "tab1caption");
-    EXPECT_EQ(spread::TabCaptionKey(4), "tab5caption");
-    EXPECT_EQ(spread::DefaultTabCaption(0), "Selv 1");
-    EXPECT_EQ(spread::DefaultTabCaption(4), "Selv 5");
-    EXPECT_EQ(spread::TabCaptionProposal(2), "Selvane3");
-}
-
 struct Recorder
 {
     services::ScriptedUiPort ui;
