@@ -106,8 +106,8 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
     astro::Hms ra{position.raHours, position.raMinutes, position.raSeconds};
     astro::Dms dec{position.decDegrees, position.decMinutes, position.decSeconds};
     if (options.precess) {
-        const astro::Equatorial precessed = astro::Precession(
-            options.ppreYear, options.ppreMonth, options.ppreDay, ra, dec, epochYear, faults);
+        const astro::Equatorial precessed =
+            astro::Precession(options.precession, ra, dec, epochYear, faults);
         ra = precessed.ra;
         dec = precessed.dec;
         position = {ra.hours, ra.minutes, ra.seconds, dec.degrees, dec.minutes, dec.seconds};
@@ -119,15 +119,19 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
         computed.transit.Assign(best.bestTime);
     }
 
+    astro::SkyObject object;
+    if (options.Palt || options.Prise)
+        object = astro::MakeSkyObject(ra, dec);
+
     if (options.Palt) {
         const astro::Hms hourAngle = astro::CalcHourAngle(plans->sky, ra, faults);
-        const astro::AltAzm altAzm = astro::CalcAltAzm(plans->sky, hourAngle, dec, faults);
+        const astro::AltAzm altAzm = astro::CalcAltAzm(plans->sky, hourAngle, object, faults);
         computed.alt = Rounded(kAltitude, Rounded(kAzimuth, altAzm.altitude));
         computed.azm = Rounded(kAzimuth, altAzm.azimuth);
     }
 
     if (options.Prise) {
-        const astro::RiseSetTimes times = astro::RiseSet(plans->sky, ra, dec, faults);
+        const astro::RiseSetTimes times = astro::RiseSet(plans->sky, object, faults);
         if (times.status == -1) {
             computed.rise.Assign("CPolar");
         } else if (times.status == 1) {

@@ -25,9 +25,8 @@ constexpr std::array<ColumnFormat, kGridCols> kColumns{{
     {"Desc", L},
 }};
 
-void AutoSize(Grid& grid)
+void AutoSize(Grid& grid, const std::array<double, kGridCols + 1>& widths)
 {
-    const std::array<double, kGridCols + 1> widths = grid.MaxTextColWidths();
     for (int col = 1; col <= kGridCols; ++col)
         if (grid.ColWidth(col) != 0)
             grid.SetColWidth(col, widths[static_cast<std::size_t>(col)] + 1);
@@ -65,8 +64,13 @@ void FormatSpreadsheet(Grid& grid, int tab, bool rowHeaderWidth, const FormatOpt
         if (IsFloatColumn(col))
             grid.SetCellType(col, CellType::Float, 2);
     }
-    if (options.autosizespread)
-        AutoSize(grid);
+    // The headers and cells are the same at both autosizes below, and so are the widths.
+    std::array<double, kGridCols + 1> widths{};
+    if (options.autosizespread) {
+        widths = options.rowWidths ? grid.MaxTextColWidths(*options.rowWidths)
+                                   : grid.MaxTextColWidths();
+        AutoSize(grid, widths);
+    }
 
     std::array<SortKey, 3> keys{};
     bool sortOnClient = false;
@@ -99,7 +103,7 @@ void FormatSpreadsheet(Grid& grid, int tab, bool rowHeaderWidth, const FormatOpt
     grid.SetCellType(20, CellType::StaticText);
     grid.SetCellType(21, CellType::StaticText);
     if (options.autosizespread)
-        AutoSize(grid);
+        AutoSize(grid, widths);
 
     if (options.allGcvs) {
         grid.SetHeader(20, "Epoch Max Light");

@@ -42,6 +42,9 @@ struct FormatOptions
     bool zerosup = false;
     bool targetSet = false;                // a home target is set
     bool allGcvs = false;                  // every row of the list is of the catalogue "GCVS"
+    // The widest cells of the grid's rows when the load measured them as it wrote them; else
+    // the autosize reads every row.
+    const CellWidths* rowWidths = nullptr;
 };
 
 // FormatSpreadsheet: formats the grid of a spreadsheet tab.

@@ -214,32 +214,36 @@ double Grid::MaxTextColWidth(int col) const
 
 std::array<double, kGridCols + 1> Grid::MaxTextColWidths() const
 {
-    std::array<std::size_t, kGridCols + 1> widest{};
-    for (int col = 0; col <= kGridCols; ++col)
-        widest[static_cast<std::size_t>(col)] = CodePoints(headers_[static_cast<std::size_t>(col)]);
-    // One pass over each row's characters: a tab ends a cell, a UTF-8 continuation byte does
-    // not count.
-    for (const RowRef& ref : rows_) {
-        const std::string_view text = View(ref);
-        std::size_t col = 1;
-        std::size_t width = 0;
-        for (const char ch : text) {
-            if (ch == '\t') {
-                widest[col] = std::max(widest[col], width);
-                width = 0;
-                if (++col > kGridCols)
-                    break;
-            } else if ((static_cast<unsigned char>(ch) & 0xC0) != 0x80) {
-                ++width;
-            }
-        }
-        if (col <= kGridCols)
-            widest[col] = std::max(widest[col], width);
-    }
+    CellWidths widest{};
+    for (const RowRef& ref : rows_)
+        WidenCellWidths(View(ref), widest);
+    return MaxTextColWidths(widest);
+}
+
+std::array<double, kGridCols + 1> Grid::MaxTextColWidths(const CellWidths& rows) const
+{
     std::array<double, kGridCols + 1> widths{};
-    for (int col = 0; col <= kGridCols; ++col)
-        widths[static_cast<std::size_t>(col)] = static_cast<double>(widest[static_cast<std::size_t>(col)]);
+    for (std::size_t col = 0; col <= kGridCols; ++col)
+        widths[col] = static_cast<double>(std::max(CodePoints(headers_[col]), rows[col]));
     return widths;
+}
+
+void WidenCellWidths(std::string_view tabSeparated, CellWidths& widest)
+{
+    // One pass over the row's characters: a tab ends a cell.
+    std::size_t col = 1;
+    std::size_t width = 0;
+    for (const char ch : tabSeparated) {
+        if (ch == '\t') {
+            widest[col] = std::max(widest[col], width);
+            width = 0;
+            if (++col > kGridCols)
+                return;
+        } else if ((static_cast<unsigned char>(ch) & 0xC0) != 0x80) {
+            ++width;
+        }
+    }
+    widest[col] = std::max(widest[col], width);
 }
 
 void Grid::SetCellType(int col, CellType type, int decimalPlaces)

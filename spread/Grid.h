@@ -18,6 +18,13 @@ namespace spread {
 
 inline constexpr int kGridCols = 31;
 
+// The widest cell of each column (index 1 to 31) over some rows, in characters.
+using CellWidths = std::array<std::size_t, kGridCols + 1>;
+
+// Widens widest to the cells of one tab-separated row as the grid keeps it: cells beyond 31
+// do not count, a UTF-8 continuation byte is no character.
+void WidenCellWidths(std::string_view tabSeparated, CellWidths& widest);
+
 enum class HAlign
 {
     General,
@@ -80,6 +87,8 @@ public:
     double MaxTextColWidth(int col) const;
     // The same for every column at once (index 0 to 31), in one pass over the rows.
     std::array<double, kGridCols + 1> MaxTextColWidths() const;
+    // The same from the widest cells of every row, measured as the rows were written.
+    std::array<double, kGridCols + 1> MaxTextColWidths(const CellWidths& rows) const;
 
     HAlign TypeHAlign(int col) const { return aligns_.at(col); }
     void SetTypeHAlign(int col, HAlign align) { aligns_.at(col) = align; }

@@ -148,6 +148,7 @@ void SetPrecessionDate(RowOptions& options, std::string_view PPre,
     options.ppreYear.clear();
     options.ppreMonth.clear();
     options.ppreDay.clear();
+    options.precession = {};
     const std::string text = services::vb::Trim(PPre);
     if (text.empty() || text == "__/__/____" || text == "__.__.____")
         return;
@@ -158,6 +159,8 @@ void SetPrecessionDate(RowOptions& options, std::string_view PPre,
     options.ppreYear = std::to_string(date->year());
     options.ppreMonth = std::to_string(date->month());
     options.ppreDay = std::to_string(date->day());
+    options.precession =
+        astro::MakePrecessionPlan(options.ppreYear, options.ppreMonth, options.ppreDay);
 }
 
 RowVerdict WriteGridRow(const ObjectRecord& record, bool noPosition, const Position& shown,

@@ -17,6 +17,7 @@
 #include <string_view>
 
 #include "astro/ObservingClock.h"
+#include "astro/Position.h"
 #include "services/Vb.h"
 
 namespace spread {
@@ -117,6 +118,7 @@ struct RowOptions
     std::string ppreYear;  // the year, month and day texts of PPre for Precession; the
     std::string ppreMonth; // year also for the "Epoch" column
     std::string ppreDay;
+    astro::PrecessionPlan precession; // the target date of those texts, worked out once
     int PInterval = 10;
 
     // Row filters; they apply only when PlanLoad is clear.

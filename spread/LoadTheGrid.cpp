@@ -183,12 +183,14 @@ struct RowSlice
     };
     std::string text;
     std::vector<Row> rows;
+    CellWidths widths{}; // the widest cells of the kept rows
     std::string scratch;
 
     void Clear()
     {
         text.clear();
         rows.clear();
+        widths = {};
     }
 };
 
@@ -217,6 +219,8 @@ void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
             WriteGridRow(record, !hasPosition, position, computed, context.options, out.scratch);
         out.rows.push_back({out.text.size(), out.scratch.size(), verdict});
         out.text.append(out.scratch);
+        if (verdict.kept)
+            WidenCellWidths(out.scratch, out.widths);
     }
 }
 
@@ -430,6 +434,10 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
     int rows = 0;
     GatheredFaults faults;
     int fatalExit = -1;
+    // The widest cells of the rows as they are appended; measured only when the load ends
+    // without a failure.
+    CellWidths rowWidths{};
+    bool widthsMeasured = false;
     load.failed = !services::Trap(ui, LoadLocation, [&] {
         if (mode == LoadMode::Build)
             BuildSql(TMM, load);
@@ -530,6 +538,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
             bool stopped = false;
             for (std::size_t c = 0; c < chunks && !stopped; ++c) {
                 const RowSlice& slice = slices[c];
+                std::size_t taken = 0;
                 for (const RowSlice::Row& row : slice.rows) {
                     if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested) {
                         stopped = true;
@@ -540,11 +549,24 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
                         ++rows;
                         (row.verdict.gcvs ? seenGcvs : seenOther) = true;
                     }
+                    ++taken;
                     ++consumed;
                     if (consumed % 10 == 0) {
                         ui.Step(static_cast<int>(consumed));
                         if (ui.Pump())
                             TMM.CancelRequested = true;
+                    }
+                }
+                if (taken == slice.rows.size()) {
+                    for (std::size_t col = 0; col <= kGridCols; ++col)
+                        rowWidths[col] = std::max(rowWidths[col], slice.widths[col]);
+                } else {
+                    for (std::size_t i = 0; i < taken; ++i) {
+                        const RowSlice::Row& row = slice.rows[i];
+                        if (row.verdict.kept)
+                            WidenCellWidths(
+                                std::string_view(slice.text).substr(row.offset, row.length),
+                                rowWidths);
                     }
                 }
             }
@@ -557,6 +579,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
             std::swap(computing, reading);
         }
         load.cancelled = TMM.CancelRequested;
+        widthsMeasured = true;
     });
     faults.Flush(ui);
     if (fatalExit >= 0)
@@ -580,6 +603,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         // The distance to a home target is not shown yet, so column 23 keeps Separation.
         format.targetSet = false;
         format.allGcvs = load.allGcvs;
+        format.rowWidths = widthsMeasured ? &rowWidths : nullptr;
         FormatSpreadsheet(grid, TMM.CurrTab, true, format);
     }
     ui.EndBusy();

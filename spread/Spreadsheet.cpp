@@ -63,7 +63,11 @@ void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock, bool reco
         s.lblDate = "Date: " + services::vb::ShortDate(DateOf(now), RegionalOf(p));
         s.lblTime = "Time: " + services::vb::LongTime(TimeOf(now));
     } else {
-        s.lblDate = "Date: " + p.PDate;
+        // A blank plan date means today, and the list is computed for today: say so.
+        s.lblDate = "Date: " + (services::vb::Trim(p.PDate).empty()
+                                    ? services::vb::ShortDate(DateOf(computerClock.Now()),
+                                                              RegionalOf(p))
+                                    : p.PDate);
         s.lblTime = "Time: " + p.Ptime;
     }
     s.lblLat = "Lat: " + DegreesMinutesSeconds(p.Plat);
@@ -147,40 +151,6 @@ void sscommandRefresh_Click(AppState& TMM, GridLoad& load, const astro::Clock& c
     RefreshPref(TMM);
     if (!TMM.NoLoadYet)
         LoadCurrentTab(TMM, LoadMode::Build, load, computerClock);
-}
-
-int Timer2_Timer(AppState& TMM)
-{
-    const double refreshSeconds = services::vb::Val(TMM.prefs.RefreshTime);
-    if (refreshSeconds <= 0 || !TMM.RealTimeRearm)
-        return -1;
-    TMM.RealTimeRearm = false;
-    return static_cast<int>(refreshSeconds * 1000);
-}
-
-bool Timer1_Timer(AppState& TMM, GridLoad& load, const astro::Clock& computerClock)
-{
-    data::Preferences& p = TMM.prefs;
-    // The timers stand still while a list loads.
-    if (!RealTime(p) || services::vb::Val(p.RefreshTime) <= 0 || TMM.QueryRunning)
-        return false;
-    const astro::LocalDateTime now = computerClock.Now();
-    p.PDate = services::vb::Format(now.month, "00") + "/" + services::vb::Format(now.day, "00") +
-              "/" + services::vb::Format(now.year, "0000");
-    p.Ptime = services::vb::LongTime(TimeOf(now));
-    TMM.status.lblTime = "Time: " + p.Ptime;
-    LoadCurrentTab(TMM, LoadMode::NoBuild, load, computerClock);
-    TMM.RealTimeRearm = true;
-    return true;
-}
-
-void Timer3_Timer(AppState& TMM, const astro::Clock& computerClock)
-{
-    if (!RealTime(TMM.prefs))
-        return;
-    const astro::LocalDateTime now = computerClock.Now();
-    TMM.status.lblDate = "Date: " + services::vb::ShortDate(DateOf(now), RegionalOf(TMM.prefs));
-    TMM.status.lblTime = "Time: " + services::vb::LongTime(TimeOf(now));
 }
 
 } // namespace spread

@@ -52,23 +52,5 @@ void ApplyIt(AppState& TMM, GridLoad& load, const astro::Clock& computerClock);
 // an image tab the image list (which arrives with the image gallery; nothing yet).
 void sscommandRefresh_Click(AppState& TMM, GridLoad& load, const astro::Clock& computerClock);
 
-// The timers of the real-time mode. Timer2 and Timer3 tick every second; Timer1 is idle
-// (interval 0) until Timer2 arms it.
-inline constexpr int Timer2IntervalMs = 1000;
-inline constexpr int Timer3IntervalMs = 1000;
-
-// Timer2_Timer: when RefreshTime is above 0 and RealTimeRearm is set, Timer1's interval
-// becomes RefreshTime seconds and RealTimeRearm is cleared.
-// Returned: Timer1's new interval in milliseconds, or -1 to leave it as it is.
-int Timer2_Timer(AppState& TMM);
-
-// Timer1_Timer: with UseRealTime "Y" and RefreshTime above 0, the computer's date and time
-// become the observing date ("mm/dd/yyyy") and time ("hh:mm:ss"), lblTime shows the time, the
-// current tab is loaded again ("NO BUILD") for the present moment, and RealTimeRearm is set.
-// Returned: whether it loaded.
-bool Timer1_Timer(AppState& TMM, GridLoad& load, const astro::Clock& computerClock);
-
-// Timer3_Timer: with UseRealTime "Y", lblDate and lblTime from the computer's clock.
-void Timer3_Timer(AppState& TMM, const astro::Clock& computerClock);
 
 } // namespace spread

@@ -6,10 +6,10 @@
 #include "services/ui/QtUiPort.h"
 
 #include <QPointer>
+#include <QProgressBar>
 #include <QWidget>
 
 class QLabel;
-class QProgressBar;
 
 namespace spread {
 

@@ -6,7 +6,6 @@
 #include "spread/ui/BusyUiPort.h"
 
 #include <QApplication>
-#include <QProgressBar> // BusyUiPort.h holds a pointer it assigns inline
 
 #include <deque>
 #include <string>

@@ -93,47 +93,11 @@ TEST_F(SpreadFixture, StatusBandTexts)
         EXPECT_EQ(TMM.status.lblLong, c.lblLong);
         EXPECT_EQ(TMM.status.lblMisc, c.lblMisc);
     }
-}
-
-// Timer2 arms Timer1 once per rearm; Timer1 only runs in real time with a refresh period.
-TEST_F(SpreadFixture, RealTimeTimers)
-{
-    TMM.prefs.RefreshTime = "0";
-    TMM.RealTimeRearm = true;
-    EXPECT_EQ(Timer2_Timer(TMM), -1);
-    EXPECT_TRUE(TMM.RealTimeRearm);
-
-    TMM.prefs.RefreshTime = "30";
-    EXPECT_EQ(Timer2_Timer(TMM), 30000);
-    EXPECT_FALSE(TMM.RealTimeRearm);
-    EXPECT_EQ(Timer2_Timer(TMM), -1);
-
-    TMM.SQL = "Select * From SelvaneTable Where MessierNumber > 0 order by MessierNumber";
+    // A blank plan date means today: the band shows the computer's date, not a blank.
     TMM.prefs.UseRealTime = "N";
-    EXPECT_FALSE(Timer1_Timer(TMM, load, clock));
-    EXPECT_EQ(TMM.grids[0].MaxRows(), 0);
-
-    TMM.prefs.UseRealTime = "Y";
-    TMM.QueryRunning = true; // the timers stand still while a list loads
-    EXPECT_FALSE(Timer1_Timer(TMM, load, clock));
-    TMM.QueryRunning = false;
-
-    EXPECT_TRUE(Timer1_Timer(TMM, load, clock));
-    EXPECT_EQ(TMM.prefs.PDate, "03/05/2024");
-    EXPECT_EQ(TMM.prefs.Ptime, "21:07:09");
-    EXPECT_EQ(TMM.status.lblTime, "Time: 21:07:09");
-    EXPECT_TRUE(TMM.RealTimeRearm);
-    EXPECT_EQ(Ids(), (std::vector<std::string>{"NGC 224", "NGC 1976"}));
-    EXPECT_EQ(Timer2_Timer(TMM), 30000);
-
-    // Timer3 follows the clock in real time only.
-    clock.Set({2024, 3, 5, 21, 7, 10});
-    Timer3_Timer(TMM, clock);
-    EXPECT_EQ(TMM.status.lblTime, "Time: 21:07:10");
-    TMM.prefs.UseRealTime = "N";
-    clock.Set({2024, 3, 5, 21, 7, 11});
-    Timer3_Timer(TMM, clock);
-    EXPECT_EQ(TMM.status.lblTime, "Time: 21:07:10");
+    TMM.prefs.PDate = "";
+    UpdateStatusBar(TMM, clock, false);
+    EXPECT_EQ(TMM.status.lblDate, "Date: 03/05/24");
 }
 
 TEST_F(SpreadFixture, RefreshApplyAndTheRefreshButton)
