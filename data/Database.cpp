@@ -2,6 +2,7 @@
 
 #include "data/JetSql.h"
 #include "services/Fault.h"
+#include "services/Vb.h"
 
 #include <cctype>
 #include <cstdio>
@@ -13,17 +14,6 @@
 namespace data {
 
 namespace {
-
-bool EqualsNoCase(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size())
-        return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
-}
 
 [[noreturn]] void Fail(const std::string& message)
 {
@@ -172,10 +162,10 @@ void Recordset::Close()
 int Recordset::FindField(std::string_view name) const
 {
     for (size_t i = 0; i < names_.size(); ++i)
-        if (EqualsNoCase(names_[i], name))
+        if (services::vb::SameText(names_[i], name))
             return static_cast<int>(i);
     for (size_t i = 0; i < qualified_.size(); ++i)
-        if (!qualified_[i].empty() && EqualsNoCase(qualified_[i], name))
+        if (!qualified_[i].empty() && services::vb::SameText(qualified_[i], name))
             return static_cast<int>(i);
     return -1;
 }
@@ -486,7 +476,7 @@ void Recordset::Update()
             const int n = sqlite3_column_count(reread);
             for (size_t i = 0; i < names_.size(); ++i)
                 for (int k = 0; k < n; ++k)
-                    if (EqualsNoCase(sqlite3_column_name(reread, k), origins_[i])) {
+                    if (services::vb::SameText(sqlite3_column_name(reread, k), origins_[i])) {
                         switch (sqlite3_column_type(reread, k)) {
                         case SQLITE_INTEGER:
                             row[i].value = static_cast<long long>(sqlite3_column_int64(reread, k));
@@ -687,9 +677,9 @@ Recordset Database::OpenRecordset(std::string_view sql, RecordsetType type)
         const size_t word = next.find_first_not_of(" \t\r\n");
         const bool distinct = word != std::string_view::npos &&
                               next.size() >= word + 8 &&
-                              EqualsNoCase(next.substr(word, 8), "distinct");
+                              services::vb::SameText(next.substr(word, 8), "distinct");
         sqlite3_stmt* withRowid = nullptr;
-        if (EqualsNoCase(head, "select") && !distinct) {
+        if (services::vb::SameText(head, "select") && !distinct) {
             const std::string rewritten = rs.sql_.substr(0, start + 6) + " " + Quoted(table) +
                                           ".rowid," + rs.sql_.substr(start + 6);
             if (sqlite3_prepare_v2(db_, rewritten.c_str(), -1, &withRowid, nullptr) != SQLITE_OK)

@@ -1,6 +1,7 @@
 #include "data/JetSql.h"
 
 #include "services/Fault.h"
+#include "services/Vb.h"
 
 #include <cctype>
 #include <charconv>
@@ -14,17 +15,6 @@ namespace {
 bool IsWordChar(char c)
 {
     return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || c == '$';
-}
-
-bool EqualsNoCase(std::string_view a, std::string_view b)
-{
-    if (a.size() != b.size())
-        return false;
-    for (size_t i = 0; i < a.size(); ++i)
-        if (std::tolower(static_cast<unsigned char>(a[i])) !=
-            std::tolower(static_cast<unsigned char>(b[i])))
-            return false;
-    return true;
 }
 
 // The numbers of a date or time text split at any of the separators given.
@@ -261,25 +251,25 @@ std::string TranslateJetSql(std::string_view jet)
             while (k < n && std::isspace(static_cast<unsigned char>(jet[k])))
                 ++k;
             const bool call = k < n && jet[k] == '(';
-            if (!qualified && EqualsNoCase(word, "true"))
+            if (!qualified && services::vb::SameText(word, "true"))
                 out += "-1";
-            else if (!qualified && EqualsNoCase(word, "false"))
+            else if (!qualified && services::vb::SameText(word, "false"))
                 out += "0";
-            else if (call && EqualsNoCase(word, "isnull")) {
+            else if (call && services::vb::SameText(word, "isnull")) {
                 pendingIsNull = true;
                 i = k; // the '(' comes next
                 continue;
-            } else if (call && EqualsNoCase(word, "ucase"))
+            } else if (call && services::vb::SameText(word, "ucase"))
                 out += "upper";
-            else if (call && EqualsNoCase(word, "lcase"))
+            else if (call && services::vb::SameText(word, "lcase"))
                 out += "lower";
-            else if (call && EqualsNoCase(word, "len"))
+            else if (call && services::vb::SameText(word, "len"))
                 out += "length";
-            else if (call && EqualsNoCase(word, "mid"))
+            else if (call && services::vb::SameText(word, "mid"))
                 out += "substr";
             else
                 out.append(word);
-            afterLike = EqualsNoCase(word, "like");
+            afterLike = services::vb::SameText(word, "like");
             i = j;
             continue;
         }

@@ -1206,6 +1206,17 @@ std::string LCase(std::string_view text)
         .toStdString();
 }
 
+bool SameText(std::string_view a, std::string_view b)
+{
+    if (a.size() != b.size())
+        return false;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        if (std::tolower(static_cast<unsigned char>(a[i])) !=
+            std::tolower(static_cast<unsigned char>(b[i])))
+            return false;
+    return true;
+}
+
 double Int(double value)
 {
     return std::floor(value);

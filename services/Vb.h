@@ -61,6 +61,8 @@ std::string LTrim(std::string_view text);
 std::string RTrim(std::string_view text);
 std::string UCase(std::string_view text);
 std::string LCase(std::string_view text);
+// Equal without regard to case (ASCII letters), as Jet compares names and text.
+bool SameText(std::string_view a, std::string_view b);
 // Int rounds toward minus infinity, Fix toward zero.
 double Int(double value);
 double Fix(double value);
