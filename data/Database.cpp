@@ -453,15 +453,15 @@ void Recordset::Update()
         if (touched_[i])
             columns.push_back(static_cast<int>(i));
     if (mode_ == EditMode::AddNew) {
-        std::string names, slots;
+        std::string names, placeholders;
         for (int c : columns) {
             names += (names.empty() ? "" : ", ") + Quoted(origins_[c]);
-            slots += slots.empty() ? "?" : ", ?";
+            placeholders += placeholders.empty() ? "?" : ", ?";
         }
         const std::string sql = columns.empty()
                                     ? "INSERT INTO " + table_ + " DEFAULT VALUES"
                                     : "INSERT INTO " + table_ + " (" + names + ") VALUES (" +
-                                          slots + ")";
+                                          placeholders + ")";
         sqlite3_stmt* stmt = Prepare(db_, sql);
         for (size_t k = 0; k < columns.size(); ++k)
             Bind(db_, stmt, static_cast<int>(k + 1), buffer_[columns[k]].value);
