@@ -127,13 +127,12 @@ void WriteRiseSetTime(double t, bool timesAMPM, std::string& out)
 }
 
 // CalcAltAzm for the sine and cosine of the latitude.
-AltAzm AltAzmAt(double sinPhi, double cosPhi, const Hms& hourAngle, const Dms& dec,
+AltAzm AltAzmAt(double sinPhi, double cosPhi, const Hms& hourAngle, const SkyObject& object,
                 FaultSink& faults)
 {
     const double H = CalcRadians(Decimal(hourAngle)) * 15;
-    const double delta = CalcRadians(Decimal(dec));
-    const double sinDelta = std::sin(delta);
-    const double s = cosPhi * std::cos(delta) * std::cos(H) + sinDelta * sinPhi;
+    const double sinDelta = object.sinDelta;
+    const double s = cosPhi * object.cosDelta * std::cos(H) + sinDelta * sinPhi;
     const double a = CalcASN(s, faults);
     double q = cosPhi * std::cos(a);
     if (q < 1e-20)
@@ -158,15 +157,15 @@ struct RiseSetSite
     bool timesAMPM = true;
 };
 
-RiseSetTimes RiseSetAt(const RiseSetSite& site, const Hms& ra, const Dms& dec, FaultSink& faults)
+RiseSetTimes RiseSetAt(const RiseSetSite& site, const SkyObject& object, FaultSink& faults)
 {
     RiseSetTimes out;
-    const double alpha = Decimal(ra);
-    const double delta = CalcRadians(Decimal(dec));
+    const double alpha = object.alpha;
+    const double delta = object.delta;
     const double D = site.D;
     const double cosPhi = site.cosPhi;
     const double sinPhi = site.sinPhi;
-    const double cosDelta = std::cos(delta);
+    const double cosDelta = object.cosDelta;
     if (std::fabs(cosDelta * cosPhi) < 1e-10) {
         out.status = 2;
         return out;
@@ -177,10 +176,11 @@ RiseSetTimes RiseSetAt(const RiseSetSite& site, const Hms& ra, const Dms& dec, F
     // Deliberate: +1 on this side too; rise and set times have always been computed so.
     if (Y < -1)
         Y = 1;
-    const double A = CalcACS(Y, faults);
-    const double dH = D * std::sin(A);
     const double delta2 = D * Y + delta;
     const double cH = -sinPhi * std::tan(delta2) / cosPhi;
+    // The arccosine of Y is wanted only for an object that rises and sets. Y is a number
+    // within -1 and 1 by now, where the arcsine cannot fault, or NaN, which reaches here too
+    // and faults first as it always has.
     if (cH < -1) {
         out.status = -1;
         return out;
@@ -189,11 +189,12 @@ RiseSetTimes RiseSetAt(const RiseSetSite& site, const Hms& ra, const Dms& dec, F
         out.status = 1;
         return out;
     }
+    const double A = CalcACS(Y, faults);
+    const double dH = D * std::sin(A);
     const double H = (CalcACS(cH, faults) + dH) * kHoursPerRadianShort;
     // Deliberate: the azimuths of rising and setting are not used, but an argument past 1
     // here is still the fatal arcsine fault.
-    const double riseAzimuth = CalcACS(std::sin(delta2) / cosPhi, faults);
-    [[maybe_unused]] const double setAzimuth = kTwoPiShort - riseAzimuth;
+    CheckASN(std::sin(delta2) / cosPhi, faults);
 
     double LR = 24 + alpha - H;
     double LS = alpha + H;
@@ -238,6 +239,16 @@ void WriteBestTime(int bestHour, int bestMinute, bool timesAMPM, std::string& ou
 
 } // namespace
 
+SkyObject MakeSkyObject(const Hms& ra, const Dms& dec)
+{
+    SkyObject object;
+    object.alpha = Decimal(ra);
+    object.delta = CalcRadians(Decimal(dec));
+    object.sinDelta = std::sin(object.delta);
+    object.cosDelta = std::cos(object.delta);
+    return object;
+}
+
 std::string RiseSetTimeText(double hours, bool timesAMPM)
 {
     std::string text;
@@ -269,12 +280,18 @@ AltAzm CalcAltAzm(const ObservingClock& clock, const Hms& hourAngle, const Dms& 
                   FaultSink& faults)
 {
     const double phi = CalcRadians(clock.Plat);
-    return AltAzmAt(std::sin(phi), std::cos(phi), hourAngle, dec, faults);
+    return AltAzmAt(std::sin(phi), std::cos(phi), hourAngle, MakeSkyObject({}, dec), faults);
 }
 
 AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const Dms& dec, FaultSink& faults)
 {
-    return AltAzmAt(plan.sinPhi, plan.cosPhi, hourAngle, dec, faults);
+    return CalcAltAzm(plan, hourAngle, MakeSkyObject({}, dec), faults);
+}
+
+AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const SkyObject& object,
+                  FaultSink& faults)
+{
+    return AltAzmAt(plan.sinPhi, plan.cosPhi, hourAngle, object, faults);
 }
 
 RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
@@ -296,7 +313,7 @@ RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, co
     site.PTz = clock.PTz;
     site.standardTime = clock.PStd == "S";
     site.timesAMPM = clock.timesAMPM;
-    return RiseSetAt(site, ra, dec, faults);
+    return RiseSetAt(site, MakeSkyObject(ra, dec), faults);
 }
 
 BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& computerClock,
@@ -391,6 +408,11 @@ Hms CalcHourAngle(const SkyPlan& plan, const Hms& ra, FaultSink& faults)
 
 RiseSetTimes RiseSet(const SkyPlan& plan, const Hms& ra, const Dms& dec, FaultSink& faults)
 {
+    return RiseSet(plan, MakeSkyObject(ra, dec), faults);
+}
+
+RiseSetTimes RiseSet(const SkyPlan& plan, const SkyObject& object, FaultSink& faults)
+{
     if (!plan.dateValid) {
         faults.ReportFault(kTypeMismatch, "Module1.RiseSet");
         return {};
@@ -404,7 +426,7 @@ RiseSetTimes RiseSet(const SkyPlan& plan, const Hms& ra, const Dms& dec, FaultSi
     site.PTz = plan.clock.PTz;
     site.standardTime = plan.standardTime;
     site.timesAMPM = plan.clock.timesAMPM;
-    return RiseSetAt(site, ra, dec, faults);
+    return RiseSetAt(site, object, faults);
 }
 
 BestTimePlan MakeBestTimePlan(const ObservingClock& clock, const Clock& computerClock,
@@ -441,6 +463,7 @@ BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dm
         return out;
     }
     const double raHours = Decimal(ra);
+    const SkyObject object = MakeSkyObject(ra, dec);
     const std::size_t count = plan.samples.size();
     double best = 0;
     double bestAzimuth = 0;
@@ -458,10 +481,10 @@ BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dm
     };
 
     const auto evaluate = [&](const BestTimePlan::Sample& sample) {
-        return AltAzmAt(plan.sinPhi, plan.cosPhi, ToHms(HourAngleFrom(sample.lst, raHours)), dec,
-                        faults);
+        return AltAzmAt(plan.sinPhi, plan.cosPhi, ToHms(HourAngleFrom(sample.lst, raHours)),
+                        object, faults);
     };
-    const double cosDelta = std::cos(CalcRadians(Decimal(dec)));
+    const double cosDelta = object.cosDelta;
     // At most 24 x 59 samples, with a step of 1 minute.
     constexpr std::size_t kMaxSamples = 24 * 59;
     if (!plan.shortcut || count > kMaxSamples || !(raHours >= 0 && raHours <= 24) ||
@@ -507,41 +530,42 @@ BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dm
     return out;
 }
 
-Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
-                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults)
+namespace {
+
+constexpr std::string_view kPrecessionLocation = "Module1.Precession";
+
+// The epoch rounded to its 16-bit year, or nothing when it does not fit.
+std::optional<double> EpochYear(double epochYear)
 {
-    const Equatorial unchanged{ra, dec};
-    constexpr std::string_view kLocation = "Module1.Precession";
-    const double epochRounded = std::nearbyint(epochYear);
-    if (!(epochRounded >= -32768.0 && epochRounded <= 32767.0)) {
-        faults.ReportFault(kOverflow, kLocation);
-        return unchanged;
-    }
-    const std::optional<double> targetYear = ParseNumber(year);
-    const std::optional<double> targetMonth = ParseNumber(month);
-    const std::optional<double> targetDay = ParseNumber(day);
-    if (!targetYear || !targetMonth || !targetDay) {
-        faults.ReportFault(kTypeMismatch, kLocation);
-        return unchanged;
-    }
-    const double y2 = std::nearbyint(*targetYear);
-    const double m2 = std::nearbyint(*targetMonth);
-    if (!(y2 >= -32768.0 && y2 <= 32767.0 && m2 >= -32768.0 && m2 <= 32767.0)) {
-        faults.ReportFault(kOverflow, kLocation);
-        return unchanged;
-    }
+    const double rounded = std::nearbyint(epochYear);
+    if (!(rounded >= -32768.0 && rounded <= 32767.0))
+        return std::nullopt;
+    return rounded;
+}
+
+struct PrecessionRates
+{
+    double m = 0, n = 0, N = 0;
+};
+
+PrecessionRates RatesFrom(const PrecessionPlan& target, double epochRounded)
+{
     const double D1 = CalcJulian(1, 1, static_cast<std::int16_t>(epochRounded));
-    const double D2 =
-        CalcJulian(*targetDay, static_cast<std::int16_t>(m2), static_cast<std::int16_t>(y2));
     const double T1 = D1 / 36525;
-    const double T2 = D2 / 36525;
-    const double N = (D2 - D1) / 365.2425;
+    PrecessionRates r;
+    r.N = (target.D2 - D1) / 365.2425;
     const double mA = 3.07234 + 0.00186 * T1;
     const double nA = 20.0468 - 0.0085 * T1;
-    const double mB = 3.07234 + 0.00186 * T2;
-    const double nB = 20.0468 - 0.0085 * T2;
-    const double m = (mA + mB) / 2;
-    const double n = (nA + nB) / 2;
+    r.m = (mA + target.mB) / 2;
+    r.n = (nA + target.nB) / 2;
+    return r;
+}
+
+Equatorial Precess(const PrecessionRates& rates, const Hms& ra, const Dms& dec)
+{
+    const double m = rates.m;
+    const double n = rates.n;
+    const double N = rates.N;
     double alpha = CalcRadians(Decimal(ra)) * 15;
     double delta = CalcRadians(Decimal(dec));
     const double dAlpha = (m + n * std::sin(alpha) * std::tan(delta) / 15) * 7.272205e-05 * N;
@@ -557,6 +581,64 @@ Equatorial Precession(std::string_view year, std::string_view month, std::string
     out.ra = {r.degrees, r.minutes, r.seconds};
     out.dec = SignPush(ConvertFromDecimal(CalcDegrees(delta)));
     return out;
+}
+
+} // namespace
+
+PrecessionPlan MakePrecessionPlan(std::string_view year, std::string_view month,
+                                  std::string_view day, double commonEpoch)
+{
+    PrecessionPlan plan;
+    const std::optional<double> targetYear = ParseNumber(year);
+    const std::optional<double> targetMonth = ParseNumber(month);
+    const std::optional<double> targetDay = ParseNumber(day);
+    if (!targetYear || !targetMonth || !targetDay) {
+        plan.fault = kTypeMismatch;
+        return plan;
+    }
+    const double y2 = std::nearbyint(*targetYear);
+    const double m2 = std::nearbyint(*targetMonth);
+    if (!(y2 >= -32768.0 && y2 <= 32767.0 && m2 >= -32768.0 && m2 <= 32767.0)) {
+        plan.fault = kOverflow;
+        return plan;
+    }
+    plan.D2 = CalcJulian(*targetDay, static_cast<std::int16_t>(m2), static_cast<std::int16_t>(y2));
+    plan.T2 = plan.D2 / 36525;
+    plan.mB = 3.07234 + 0.00186 * plan.T2;
+    plan.nB = 20.0468 - 0.0085 * plan.T2;
+    if (const std::optional<double> common = EpochYear(commonEpoch)) {
+        const PrecessionRates rates = RatesFrom(plan, *common);
+        plan.haveCommon = true;
+        plan.commonEpoch = *common;
+        plan.m = rates.m;
+        plan.n = rates.n;
+        plan.N = rates.N;
+    }
+    return plan;
+}
+
+Equatorial Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
+                      double epochYear, FaultSink& faults)
+{
+    // The epoch is checked before the target, as the plain routine does.
+    const std::optional<double> epochRounded = EpochYear(epochYear);
+    if (!epochRounded) {
+        faults.ReportFault(kOverflow, kPrecessionLocation);
+        return {ra, dec};
+    }
+    if (!plan.fault.empty()) {
+        faults.ReportFault(plan.fault, kPrecessionLocation);
+        return {ra, dec};
+    }
+    if (plan.haveCommon && *epochRounded == plan.commonEpoch)
+        return Precess({plan.m, plan.n, plan.N}, ra, dec);
+    return Precess(RatesFrom(plan, *epochRounded), ra, dec);
+}
+
+Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
+                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults)
+{
+    return Precession(MakePrecessionPlan(year, month, day, epochYear), ra, dec, epochYear, faults);
 }
 
 double CalcAngSep(const Hms& ra1, const Dms& dec1, const Hms& ra2, const Dms& dec2,

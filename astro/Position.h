@@ -105,6 +105,16 @@ BestTime FindBestTimeToObserve(const ObservingClock& clock, const Clock& compute
 // routines for the same clock, with one difference: under real time the computer clock is read
 // once, when the plan is made, instead of once per object.
 
+// What CalcAltAzm and RiseSet take from one object's position, worked out once for both.
+struct SkyObject
+{
+    double alpha = 0; // right ascension, hours
+    double delta = 0; // declination, radians (short constants)
+    double sinDelta = 0, cosDelta = 0;
+};
+
+SkyObject MakeSkyObject(const Hms& ra, const Dms& dec);
+
 // What CalcHourAngle (flag false) and RiseSet take from the clock.
 struct SkyPlan
 {
@@ -129,10 +139,13 @@ Hms CalcHourAngle(const SkyPlan& plan, const Hms& ra, FaultSink& faults);
 
 // CalcAltAzm(clock, hourAngle, dec, faults) for the plan's latitude.
 AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const Dms& dec, FaultSink& faults);
+AltAzm CalcAltAzm(const SkyPlan& plan, const Hms& hourAngle, const SkyObject& object,
+                  FaultSink& faults);
 
 // RiseSet(clock, computerClock, ra, dec, faults) for the plan's clock.
 // Location: Module1.RiseSet
 RiseSetTimes RiseSet(const SkyPlan& plan, const Hms& ra, const Dms& dec, FaultSink& faults);
+RiseSetTimes RiseSet(const SkyPlan& plan, const SkyObject& object, FaultSink& faults);
 
 // The best-time search's samples for one clock and step: each sample's clock time and local
 // sidereal time.
@@ -176,6 +189,28 @@ struct Equatorial
 // Location: Module1.Precession
 Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
                       const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults);
+
+// What Precession takes from its target date, worked out once for a list of objects, and the
+// rates for the epoch most of them share.
+struct PrecessionPlan
+{
+    std::string_view fault; // what the target texts give: empty, kTypeMismatch or kOverflow
+    double D2 = 0, T2 = 0;  // the target's day number and centuries
+    double mB = 0, nB = 0;  // the rates at the target
+    bool haveCommon = false;
+    double commonEpoch = 0; // an epoch rounded to its year, and for it:
+    double m = 0, n = 0, N = 0;
+};
+
+// commonEpoch: the EPOCH most objects carry (2000 for a catalogue of J2000 positions).
+PrecessionPlan MakePrecessionPlan(std::string_view year, std::string_view month,
+                                  std::string_view day, double commonEpoch = 2000);
+
+// Precession(year, month, day, ra, dec, epochYear, faults) for the plan's target date, faults
+// included.
+// Location: Module1.Precession
+Equatorial Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
+                      double epochYear, FaultSink& faults);
 
 // Angular separation in degrees of two positions.
 // Notes: a triple is negative when its first field is; the other fields keep their own signs.

@@ -37,50 +37,6 @@ constexpr std::string_view kAsnClosing =
 } // namespace
 
 // ---------------------------------------------------------------------------------------
-// Sexagesimal triples
-
-double ConvertToDecimal(double seconds, double minutes, double degrees)
-{
-    const double sign = (seconds < 0 || minutes < 0 || degrees < 0) ? -1.0 : 1.0;
-    return sign * (std::fabs(degrees) + (std::fabs(minutes) + std::fabs(seconds) / 60.0) / 60.0);
-}
-
-Sexagesimal ConvertFromDecimal(double x)
-{
-    Sexagesimal s;
-    const double a = std::fabs(x);
-    s.degrees = std::floor(a);
-    const double b = (a - s.degrees) * 60.0;
-    s.minutes = std::floor(b);
-    s.seconds = std::floor((b - s.minutes) * 600.0 + 0.5) / 10.0;
-    // Deliberate: the carry stops at degrees (59.99999 reads 60 0 0); fields are shown as is.
-    if (s.seconds == 60.0) {
-        s.seconds = 0.0;
-        s.minutes += 1.0;
-        if (s.minutes == 60.0) {
-            s.minutes = 0.0;
-            s.degrees += 1.0;
-        }
-    }
-    s.sign = x < 0 ? '-' : '+';
-    return s;
-}
-
-Dms SignPush(const Sexagesimal& s)
-{
-    Dms t{s.degrees, s.minutes, s.seconds};
-    if (s.sign == '-') {
-        if (t.degrees != 0)
-            t.degrees = -t.degrees;
-        else if (t.minutes != 0)
-            t.minutes = -t.minutes;
-        else if (t.seconds != 0)
-            t.seconds = -t.seconds;
-    }
-    return t;
-}
-
-// ---------------------------------------------------------------------------------------
 // Day-number family
 
 double CalcJulian(double day, std::int16_t month, std::int16_t year)
@@ -153,16 +109,6 @@ double CalcLif(double W)
     return std::floor(W) + std::floor((Sgn(W) - 1) / 2);
 }
 
-double CalcRadians(double degrees)
-{
-    return degrees * kRadiansPerDegreeShort;
-}
-
-double CalcDegrees(double radians)
-{
-    return radians * kDegreesPerRadianShort;
-}
-
 double CalcASN(double W, FaultSink& faults)
 {
     const double q = 1 - W * W;
@@ -183,6 +129,12 @@ double CalcASN(double W, FaultSink& faults)
 double CalcACS(double W, FaultSink& faults)
 {
     return kHalfPiShort - CalcASN(W, faults);
+}
+
+void CheckASN(double W, FaultSink& faults)
+{
+    if (!(1 - W * W >= 0))
+        CalcASN(W, faults);
 }
 
 double Log10(double x, FaultSink& faults)

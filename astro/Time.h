@@ -19,7 +19,9 @@
 
 #include "astro/FaultSink.h"
 #include "astro/ObservingClock.h"
+#include "astro/constants.h"
 
+#include <cmath>
 #include <cstdint>
 #include <filesystem>
 
@@ -105,6 +107,8 @@ double CalcDegrees(double radians);
 double CalcASN(double W, FaultSink& faults);
 // Arccosine, 1.570796327 - CalcASN(W); fatal as CalcASN.
 double CalcACS(double W, FaultSink& faults);
+// CalcASN's fatal fault alone, for a caller that keeps no value: nothing for |W| <= 1.
+void CheckASN(double W, FaultSink& faults);
 
 // Common logarithm. Status: x <= 0 reports "Invalid procedure call or argument", returns 0.
 // Location: Module1.Log10
@@ -205,5 +209,59 @@ double WriteHMS(double radians, int places, const std::filesystem::path& program
                 FaultSink& faults);
 double WriteHMS(double radians, int places, const std::filesystem::path& programDir,
                 FaultSink& faults, DataTables& tables);
+
+// ---------------------------------------------------------------------------------------
+// The small conversions, defined here so that the per-object routines can inline them.
+
+inline double ConvertToDecimal(double seconds, double minutes, double degrees)
+{
+    const double sign = (seconds < 0 || minutes < 0 || degrees < 0) ? -1.0 : 1.0;
+    return sign * (std::fabs(degrees) + (std::fabs(minutes) + std::fabs(seconds) / 60.0) / 60.0);
+}
+
+inline Sexagesimal ConvertFromDecimal(double x)
+{
+    Sexagesimal s;
+    const double a = std::fabs(x);
+    s.degrees = std::floor(a);
+    const double b = (a - s.degrees) * 60.0;
+    s.minutes = std::floor(b);
+    s.seconds = std::floor((b - s.minutes) * 600.0 + 0.5) / 10.0;
+    // Deliberate: the carry stops at degrees (59.99999 reads 60 0 0); fields are shown as is.
+    if (s.seconds == 60.0) {
+        s.seconds = 0.0;
+        s.minutes += 1.0;
+        if (s.minutes == 60.0) {
+            s.minutes = 0.0;
+            s.degrees += 1.0;
+        }
+    }
+    s.sign = x < 0 ? '-' : '+';
+    return s;
+}
+
+inline Dms SignPush(const Sexagesimal& s)
+{
+    Dms t{s.degrees, s.minutes, s.seconds};
+    if (s.sign == '-') {
+        if (t.degrees != 0)
+            t.degrees = -t.degrees;
+        else if (t.minutes != 0)
+            t.minutes = -t.minutes;
+        else if (t.seconds != 0)
+            t.seconds = -t.seconds;
+    }
+    return t;
+}
+
+inline double CalcRadians(double degrees)
+{
+    return degrees * kRadiansPerDegreeShort;
+}
+
+inline double CalcDegrees(double radians)
+{
+    return radians * kDegreesPerRadianShort;
+}
 
 } // namespace astro

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <cstring>
 
 #include "services/VbFixed.h"
 
@@ -22,80 +23,135 @@ bool IsBlank(std::string_view text)
     return text.find_first_not_of(' ') == std::string_view::npos;
 }
 
-void Put(std::string& row, const FixedFormat& format, double value, char point)
+// Writes a row into the caller's string through a buffer of its own, so that the many short
+// pieces of a row cost a store each and the string grows a few times per row at most.
+class RowWriter
 {
-    char buffer[FixedFormat::kMaxText];
-    row.append(buffer, format.Write(value, buffer, point));
-}
+public:
+    explicit RowWriter(std::string& row) : row_(row) { row_.clear(); }
+    RowWriter(const RowWriter&) = delete;
+    RowWriter& operator=(const RowWriter&) = delete;
 
-void PutNumber(std::string& row, const FixedFormat& format, const NumberField& field, char point)
-{
-    if (!field.null)
-        Put(row, format, field.value, point);
-}
+    void Put(char c)
+    {
+        if (used_ == sizeof buffer_)
+            Flush();
+        buffer_[used_++] = c;
+    }
+    void Put(std::string_view text)
+    {
+        if (text.size() > sizeof buffer_ - used_) {
+            Flush();
+            if (text.size() > sizeof buffer_) {
+                row_.append(text);
+                return;
+            }
+        }
+        if (!text.empty())
+            std::memcpy(buffer_ + used_, text.data(), text.size());
+        used_ += text.size();
+    }
+    // Room for n characters written directly; Wrote(n) then keeps them.
+    char* Room(std::size_t n)
+    {
+        if (n > sizeof buffer_ - used_)
+            Flush();
+        return buffer_ + used_;
+    }
+    void Wrote(std::size_t n) { used_ += n; }
+    void Tab() { Put('\t'); }
 
-// Text with each ";" shown as a blank.
-void PutWithoutSemicolons(std::string& row, std::string_view text)
-{
-    const std::size_t start = row.size();
-    row.append(text);
-    for (std::size_t i = start; i < row.size(); ++i)
-        if (row[i] == ';')
-            row[i] = ' ';
-}
+    void Put(const FixedFormat& format, double value, char point)
+    {
+        char* out = Room(FixedFormat::kMaxText);
+        Wrote(format.Write(value, out, point));
+    }
+    void PutNumber(const FixedFormat& format, const NumberField& field, char point)
+    {
+        if (!field.null)
+            Put(format, field.value, point);
+    }
+    // Text with each ";" shown as a blank.
+    void PutWithoutSemicolons(std::string_view text)
+    {
+        for (std::size_t start = 0; start < text.size();) {
+            const std::size_t semicolon = text.find(';', start);
+            if (semicolon == std::string_view::npos) {
+                Put(text.substr(start));
+                return;
+            }
+            Put(text.substr(start, semicolon - start));
+            Put(' ');
+            start = semicolon + 1;
+        }
+    }
+    void PutInteger(long long value)
+    {
+        char* out = Room(24);
+        Wrote(static_cast<std::size_t>(std::to_chars(out, out + 24, value).ptr - out));
+    }
 
-void PutInteger(std::string& row, long long value)
-{
-    char buffer[24];
-    const auto result = std::to_chars(buffer, buffer + sizeof buffer, value);
-    row.append(buffer, result.ptr);
-}
+    // Hands what the buffer holds to the row; the row is complete after the last call.
+    void Flush()
+    {
+        row_.append(buffer_, used_);
+        used_ = 0;
+    }
+
+private:
+
+    std::string& row_;
+    char buffer_[512];
+    std::size_t used_ = 0;
+};
 
 // EPOCH as its plain number ("2000", "1950.5").
-void PutEpoch(std::string& row, const NumberField& epoch)
+void PutEpoch(RowWriter& row, const NumberField& epoch)
 {
     if (epoch.null)
         return;
     const double value = epoch.value;
     if (value == std::floor(value) && std::fabs(value) < 1e9) {
-        PutInteger(row, static_cast<long long>(value));
+        row.PutInteger(static_cast<long long>(value));
         return;
     }
-    row += services::vb::Format(value, "General Number");
+    row.Put(services::vb::Format(value, "General Number"));
 }
 
-void PutRa(std::string& row, const Position& p, char point)
+void PutRa(RowWriter& row, const Position& p, char point)
 {
-    Put(row, kTwo, p.raHours, point);
-    row += ' ';
-    Put(row, kTwo, p.raMinutes, point);
-    row += ' ';
-    Put(row, kSeconds, p.raSeconds, point);
+    row.Put(kTwo, p.raHours, point);
+    row.Put(' ');
+    row.Put(kTwo, p.raMinutes, point);
+    row.Put(' ');
+    row.Put(kSeconds, p.raSeconds, point);
 }
 
 // "sDD MM SS.S", at least 11 characters.
-void PutDec(std::string& row, const Position& p, char point)
+void PutDec(RowWriter& row, const Position& p, char point)
 {
-    const std::size_t start = row.size();
     // Deliberate: only the degrees and minutes decide the sign, so a position whose sign sits
     // on the seconds alone shows as north. A stored -0 degrees counts as south.
     const bool south = p.decDegrees < 0 || std::signbit(p.decDegrees) || p.decMinutes < 0;
-    row += south ? '-' : '+';
-    Put(row, kTwo, std::fabs(p.decDegrees), point);
-    row += ' ';
-    Put(row, kTwo, std::fabs(p.decMinutes), point);
-    row += ' ';
-    Put(row, kSeconds, std::fabs(p.decSeconds), point);
-    while (row.size() - start < 11)
-        row += ' ';
+    char text[3 * FixedFormat::kMaxText + 4];
+    std::size_t n = 0;
+    text[n++] = south ? '-' : '+';
+    n += kTwo.Write(std::fabs(p.decDegrees), text + n, point);
+    text[n++] = ' ';
+    n += kTwo.Write(std::fabs(p.decMinutes), text + n, point);
+    text[n++] = ' ';
+    n += kSeconds.Write(std::fabs(p.decSeconds), text + n, point);
+    while (n < 11)
+        text[n++] = ' ';
+    row.Put(std::string_view(text, n));
 }
 
 // Altitude: "##0.00" first, then "#00.00" with "+" in front above the horizon.
-void PutAltitude(std::string& row, double alt, char point)
+void PutAltitude(RowWriter& row, double alt, char point)
 {
     if (alt > 0)
-        row += '+';
-    Put(row, kAltitude, alt, point);
+        row.Put('+');
+    row.Put(kAltitude, alt, point);
 }
 
 // The filters that SQL cannot make; true when the row stays.
@@ -175,83 +231,85 @@ RowVerdict WriteGridRow(const ObjectRecord& record, bool noPosition, const Posit
         return verdict;
 
     const char point = options.decimalPoint;
-    row.append(record.planMark);
-    row += '\t';
-    row += IsBlank(record.ImageFile) ? ' ' : 'X';
-    row += '\t';
-    row += record.Observed ? 'X' : ' ';
-    row += '\t';
-    row.append(record.ObjectID);
-    row += '\t';
-    PutWithoutSemicolons(row, record.OtherID);
-    row += '\t';
-    row.append(record.ObjectType);
-    row += '\t';
+    RowWriter out(row);
+    out.Put(record.planMark);
+    out.Tab();
+    out.Put(IsBlank(record.ImageFile) ? ' ' : 'X');
+    out.Tab();
+    out.Put(record.Observed ? 'X' : ' ');
+    out.Tab();
+    out.Put(record.ObjectID);
+    out.Tab();
+    out.PutWithoutSemicolons(record.OtherID);
+    out.Tab();
+    out.Put(record.ObjectType);
+    out.Tab();
     if (noPosition)
-        row += "n/a";
+        out.Put("n/a");
     else
-        PutRa(row, shown, point);
-    row += '\t';
+        PutRa(out, shown, point);
+    out.Tab();
     if (noPosition)
-        row += "n/a";
+        out.Put("n/a");
     else
-        PutDec(row, shown, point);
-    row += '\t';
+        PutDec(out, shown, point);
+    out.Tab();
     if (computed.precessed) {
-        row += options.ppreYear;
-        row += " p";
+        out.Put(options.ppreYear);
+        out.Put(" p");
     } else {
-        PutEpoch(row, record.EPOCH);
+        PutEpoch(out, record.EPOCH);
     }
-    row += '\t';
+    out.Tab();
     // Turbo mode leaves the computed columns empty; otherwise Alt and Azm always show.
     if (!options.speed1)
-        PutAltitude(row, computed.alt, point);
-    row += '\t';
+        PutAltitude(out, computed.alt, point);
+    out.Tab();
     if (!options.speed1)
-        Put(row, kHundredths, computed.azm, point);
-    row += '\t';
-    row.append(computed.rise.View());
-    row += '\t';
-    row.append(computed.transit.View());
-    row += '\t';
-    row.append(computed.set.View());
-    row += '\t';
-    row.append(record.constellation);
-    row += '\t';
-    PutNumber(row, kHundredths, record.ObjectSize, point);
-    row += '\t';
-    PutNumber(row, kMagnitude, record.Magnitude, point);
-    row += '\t';
-    PutNumber(row, kMagnitude, record.Magnitude2, point);
-    row += '\t';
-    row.append(record.MCode);
-    row += '\t';
-    PutNumber(row, kTenths, record.GalacticLongitude, point);
-    row += '\t';
-    PutNumber(row, kTenths, record.GalacticLatitude, point);
-    row += '\t';
-    PutNumber(row, kTenths, record.PositionAngle, point);
-    row += '\t';
-    PutNumber(row, kTenths, record.targetSeparation.null ? record.Separation
+        out.Put(kHundredths, computed.azm, point);
+    out.Tab();
+    out.Put(computed.rise.View());
+    out.Tab();
+    out.Put(computed.transit.View());
+    out.Tab();
+    out.Put(computed.set.View());
+    out.Tab();
+    out.Put(record.constellation);
+    out.Tab();
+    out.PutNumber(kHundredths, record.ObjectSize, point);
+    out.Tab();
+    out.PutNumber(kMagnitude, record.Magnitude, point);
+    out.Tab();
+    out.PutNumber(kMagnitude, record.Magnitude2, point);
+    out.Tab();
+    out.Put(record.MCode);
+    out.Tab();
+    out.PutNumber(kTenths, record.GalacticLongitude, point);
+    out.Tab();
+    out.PutNumber(kTenths, record.GalacticLatitude, point);
+    out.Tab();
+    out.PutNumber(kTenths, record.PositionAngle, point);
+    out.Tab();
+    out.PutNumber(kTenths, record.targetSeparation.null ? record.Separation
                                                          : record.targetSeparation,
               point);
-    row += '\t';
-    row.append(record.Catalog);
-    row += '\t';
-    row.append(record.ImageFile);
-    row += '\t';
-    row.append(record.HObject);
-    row += '\t';
-    PutInteger(row, record.ID);
-    row += '\t';
-    row.append(computed.skyAtlas.View());
-    row += '\t';
-    row.append(computed.uranometria.View());
-    row += '\t';
-    row.append(computed.millennium.View());
-    row += '\t';
-    PutWithoutSemicolons(row, record.Description);
+    out.Tab();
+    out.Put(record.Catalog);
+    out.Tab();
+    out.Put(record.ImageFile);
+    out.Tab();
+    out.Put(record.HObject);
+    out.Tab();
+    out.PutInteger(record.ID);
+    out.Tab();
+    out.Put(computed.skyAtlas.View());
+    out.Tab();
+    out.Put(computed.uranometria.View());
+    out.Tab();
+    out.Put(computed.millennium.View());
+    out.Tab();
+    out.PutWithoutSemicolons(record.Description);
+    out.Flush();
     return verdict;
 }
 

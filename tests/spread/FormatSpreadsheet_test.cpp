@@ -117,6 +117,16 @@ TEST(FormatSpreadsheet, CellTypesAndAutosize)
     EXPECT_EQ(grid.ColWidth(6), 0);
     EXPECT_EQ(grid.ColWidth(10), 7.0);  // "+10.00" and one more
     EXPECT_EQ(grid.ColWidth(4), 9.0);   // the header "ObjectID"
+
+    // Widths measured by the load stand for the rows; the headers still count.
+    CellWidths rows{};
+    rows[4] = 3;
+    rows[31] = 40;
+    options.rowWidths = &rows;
+    FormatSpreadsheet(grid, 0, false, options);
+    EXPECT_EQ(grid.ColWidth(4), 9.0);
+    EXPECT_EQ(grid.ColWidth(31), 41.0);
+    EXPECT_EQ(grid.ColWidth(6), 0);
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -91,6 +92,43 @@ TEST(WriteGridRow, AllThirtyOneColumnsInOrder)
     for (int col = 1; col <= 31; ++col) {
         SCOPED_TRACE(col);
         EXPECT_EQ(cells[static_cast<std::size_t>(col)], expected[static_cast<std::size_t>(col)]);
+    }
+}
+
+// The row is gathered in a buffer of its own before it reaches the string: long texts, and
+// semicolons on either side of the buffer's end, come through whole, and a reused string holds
+// only the last row.
+TEST(WriteGridRow, LongTextsAndReusedRows)
+{
+    struct Case
+    {
+        std::size_t otherLength;
+        std::size_t descriptionLength;
+    };
+    const Case cases[] = {{0, 0}, {20, 430}, {400, 111}, {100, 600}, {3, 5000}, {1500, 1500}};
+    std::string row = std::string(9000, 'z'); // left from an earlier, longer row
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.otherLength) + " " + std::to_string(c.descriptionLength));
+        std::string other;
+        std::string description;
+        for (std::size_t i = 0; i < c.otherLength; ++i)
+            other += i % 7 == 3 ? ';' : static_cast<char>('a' + i % 26);
+        for (std::size_t i = 0; i < c.descriptionLength; ++i)
+            description += i % 5 == 0 ? ';' : static_cast<char>('A' + i % 26);
+        ObjectRecord record = M31();
+        record.OtherID = other;
+        record.Description = description;
+        Position shown;
+        StoredPosition(record, shown);
+        WriteGridRow(record, false, shown, Computed(52.3, 95), RowOptions{}, row);
+        const std::vector<std::string> cells = Cells(row);
+        ASSERT_EQ(cells.size(), 32u);
+        std::replace(other.begin(), other.end(), ';', ' ');
+        std::replace(description.begin(), description.end(), ';', ' ');
+        EXPECT_EQ(cells[5], other);
+        EXPECT_EQ(cells[31], description);
+        EXPECT_EQ(cells[8], "+41 16 00.0");
+        EXPECT_EQ(cells[27], "4711");
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
 #include <string>
 #include <vector>
 
@@ -218,6 +219,44 @@ TEST(Grid, MaxTextColWidthCountsCharactersAndHeader)
     grid.AppendRow(Row({{31, "Nébuleuse"}}));
     EXPECT_EQ(grid.MaxTextColWidth(31), 9.0);
     EXPECT_EQ(grid.MaxTextColWidth(15), 3.0);
+}
+
+// The all-columns pass reads rows eight bytes at a time, with a fast path for plain ASCII; it
+// must agree with the column-by-column count for characters of every length, tabs at every
+// offset within a word, rows of more and fewer than 31 cells and tails of any length.
+TEST(Grid, MaxTextColWidthsAgreeWithTheColumnByColumnCount)
+{
+    const char* pieces[] = {"a", "\t", "\t", "\t", "\xC3\xA9" /* é */, "\xE2\x82\xAC" /* € */,
+                            "\xF0\x9F\x94\xAD" /* telescope */, "  ", "12.5"};
+    std::mt19937 random(7);
+    std::uniform_int_distribution<int> piece(0, static_cast<int>(std::size(pieces)) - 1);
+    std::uniform_int_distribution<int> length(0, 90);
+    std::uniform_int_distribution<int> asciiOnly(0, 1);
+    for (int sample = 0; sample < 200; ++sample) {
+        SCOPED_TRACE(sample);
+        Grid grid;
+        grid.SetHeader(3, "Wide header");
+        spread::CellWidths measured{};
+        for (int r = 0; r < 5; ++r) {
+            std::string row;
+            const bool ascii = asciiOnly(random) == 1;
+            for (int n = length(random); n > 0; --n) {
+                const int k = piece(random);
+                row += ascii && k >= 4 && k <= 6 ? "b" : pieces[k];
+            }
+            grid.AppendRow(row);
+            spread::WidenCellWidths(row, measured);
+        }
+        const std::array<double, spread::kGridCols + 1> all = grid.MaxTextColWidths();
+        const std::array<double, spread::kGridCols + 1> fromRows = grid.MaxTextColWidths(measured);
+        for (int col = 0; col <= spread::kGridCols; ++col) {
+            SCOPED_TRACE(col);
+            EXPECT_EQ(all[static_cast<std::size_t>(col)], grid.MaxTextColWidth(col));
+            EXPECT_EQ(fromRows[static_cast<std::size_t>(col)], grid.MaxTextColWidth(col));
+        }
+        if (::testing::Test::HasFailure())
+            return;
+    }
 }
 
 } // namespace

@@ -10,6 +10,7 @@
 #include "data/Schema.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
+#include "spread/FormatSpreadsheet.h"
 
 using namespace spread;
 
@@ -121,10 +122,16 @@ TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
 // stop the load at the row where a one-by-one load stops, wherever that row falls.
 TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
 {
-    Insert(Alternating(300)); // the even records are kept, one row per two records
+    // The even records are kept, one row per two records; their ids grow wider than the
+    // header, so that the autosized width tells where the load stopped.
+    std::vector<Object> objects = Alternating(300);
+    for (std::size_t i = 0; i < objects.size(); ++i)
+        objects[i].id += std::string(i / 10, '.');
+    Insert(objects);
     TMM.prefs.Pminalt = "0";
     TMM.prefs.Prise = "Y";
     TMM.prefs.ShowCharts = true;
+    TMM.prefs.autosizespread = true;
     load.blockSize = 1;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     ASSERT_EQ(grid.MaxRows(), 150);
@@ -160,6 +167,16 @@ TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
         EXPECT_EQ(load.cancelled, c.cancelAfterPumps > 0);
         EXPECT_EQ(TMM.status.lblNOM, std::to_string(c.rows) + " Objects");
         EXPECT_FALSE(TMM.QueryRunning);
+        // The widths measured while the rows were computed are those of the rows kept (the
+        // wider ids of a block cut short left out), as a pass over the loaded rows finds them.
+        std::array<double, kGridCols + 1> measured{};
+        for (int col = 1; col <= kGridCols; ++col)
+            measured[static_cast<std::size_t>(col)] = grid.ColWidth(col);
+        FormatOptions rescan;
+        rescan.autosizespread = true;
+        FormatSpreadsheet(grid, TMM.CurrTab, true, rescan);
+        for (int col = 1; col <= kGridCols; ++col)
+            EXPECT_EQ(measured[static_cast<std::size_t>(col)], grid.ColWidth(col)) << col;
     }
     EXPECT_TRUE(ui.shown.empty());
 }
