@@ -54,6 +54,13 @@ public:
             ui.ReportFault(message, location);
     }
 
+    // Drops what was gathered since the last call: the faults of rows that are not appended.
+    void Discard()
+    {
+        std::lock_guard lock(mutex_);
+        faults_.clear();
+    }
+
 private:
     std::mutex mutex_;
     std::set<std::pair<std::string, std::string>> seen_;
@@ -225,8 +232,9 @@ void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
 }
 
 // The worker threads of one load. Start hands them the chunks of a block and returns at once,
-// so that the loading thread can read the next block meanwhile; Wait returns when every chunk is
-// done. A job must not throw.
+// so that the loading thread can append the rows of the previous block and read the next one
+// meanwhile; Help lets the loading thread take the chunks still waiting; Wait returns when every
+// chunk is done. A job must not throw.
 class BlockWorkers
 {
 public:
@@ -257,6 +265,13 @@ public:
         wake_.notify_all();
     }
 
+    void Help()
+    {
+        std::unique_lock lock(mutex_);
+        while (next_ < chunks_)
+            RunNext(lock);
+    }
+
     void Wait()
     {
         std::unique_lock lock(mutex_);
@@ -282,13 +297,19 @@ private:
             wake_.wait(lock, [this] { return stop_ || next_ < chunks_; });
             if (stop_)
                 return;
-            const std::size_t chunk = next_++;
-            lock.unlock();
-            job_(chunk);
-            lock.lock();
-            if (++finished_ == chunks_)
-                done_.notify_one();
+            RunNext(lock);
         }
+    }
+
+    // Runs the next chunk with the lock released.
+    void RunNext(std::unique_lock<std::mutex>& lock)
+    {
+        const std::size_t chunk = next_++;
+        lock.unlock();
+        job_(chunk);
+        lock.lock();
+        if (++finished_ == chunks_)
+            done_.notify_one();
     }
 
     std::mutex mutex_;
@@ -479,50 +500,69 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
             block.Seal();
         };
 
-        // Two blocks: the workers compute one while this thread reads the other. The rows are
-        // appended here, in record order, with the row limit and the cancel checked row by
-        // row, so at most one block is read beyond the last row kept.
+        // Two blocks in turn: while the workers compute one, this thread appends the rows of the
+        // one before, reads the one after and then computes beside the workers. The rows are
+        // appended in record order, with the row limit and the cancel checked row by row, so at
+        // most one block is read, and computed, beyond the last row kept.
         const std::size_t blockSize =
             static_cast<std::size_t>(load.blockSize > 0 ? load.blockSize : kDefaultBlock);
-        RecordBlock blocks[2];
-        RecordBlock* computing = &blocks[0];
-        RecordBlock* reading = &blocks[1];
-        std::vector<RowSlice> slices;
-        std::vector<std::exception_ptr> errors;
+        struct Batch
+        {
+            RecordBlock records;
+            std::vector<RowSlice> slices;
+            std::vector<std::exception_ptr> errors;
+            std::size_t chunks = 0;
+        };
+        Batch batches[2];
+        // This thread computes too, so one worker fewer than the cores.
         const std::size_t cores = std::max(1u, std::thread::hardware_concurrency());
-        BlockWorkers workers(cores);
+        const std::size_t computers = std::max<std::size_t>(2, cores);
+        BlockWorkers workers(computers - 1);
         long consumed = 0;
         TMM.CancelRequested = false;
 
-        readBlock(*computing, blockSize);
-        while (computing->Size() > 0) {
-            // Chunks several times the workers, so that a slow chunk does not hold the block.
-            const std::size_t n = computing->Size();
-            const std::size_t chunks = std::min(n, cores * kChunksPerWorker);
-            if (slices.size() < chunks)
-                slices.resize(chunks);
-            errors.assign(chunks, nullptr);
-            const RecordBlock& block = *computing;
-            workers.Start(chunks, [&, n, chunks](std::size_t chunk) {
+        auto start = [&](Batch& batch) {
+            // Chunks several times the threads, so that a slow chunk does not hold the block.
+            const std::size_t n = batch.records.Size();
+            const std::size_t chunks = std::min(n, computers * kChunksPerWorker);
+            if (batch.slices.size() < chunks)
+                batch.slices.resize(chunks);
+            batch.errors.assign(chunks, nullptr);
+            batch.chunks = chunks;
+            workers.Start(chunks, [&batch, &context, n, chunks](std::size_t chunk) {
                 try {
-                    slices[chunk].Clear();
-                    ComputeSlice(block, n * chunk / chunks, n * (chunk + 1) / chunks, context,
-                                 slices[chunk]);
+                    batch.slices[chunk].Clear();
+                    ComputeSlice(batch.records, n * chunk / chunks, n * (chunk + 1) / chunks,
+                                 context, batch.slices[chunk]);
                 } catch (...) {
-                    errors[chunk] = std::current_exception();
+                    batch.errors[chunk] = std::current_exception();
                 }
             });
-            // A failure reading the next block comes after this block's rows, as it would
-            // have in a one-by-one load.
-            std::exception_ptr readFailure;
+        };
+        // A failure reading a block comes after the rows of the blocks before it, as it would
+        // have in a one-by-one load.
+        std::exception_ptr readFailure;
+        auto readAhead = [&](RecordBlock& block) {
             try {
-                readBlock(*reading, blockSize);
+                readBlock(block, blockSize);
             } catch (...) {
+                block.Clear();
                 readFailure = std::current_exception();
             }
+        };
+
+        readBlock(batches[0].records, blockSize);
+        if (batches[0].records.Size() > 0) {
+            start(batches[0]);
+            readAhead(batches[1].records);
+        }
+        for (std::size_t current = 0; batches[current].records.Size() > 0; current ^= 1) {
+            Batch& batch = batches[current];
+            Batch& following = batches[current ^ 1];
+            workers.Help();
             workers.Wait();
 
-            for (const std::exception_ptr& error : errors) {
+            for (const std::exception_ptr& error : batch.errors) {
                 if (!error)
                     continue;
                 try {
@@ -533,50 +573,73 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
                 }
             }
             faults.Flush(ui);
+            const bool more = following.records.Size() > 0;
+            if (more)
+                start(following);
 
             // Append in record order until the row limit or a cancel.
             bool stopped = false;
-            for (std::size_t c = 0; c < chunks && !stopped; ++c) {
-                const RowSlice& slice = slices[c];
-                std::size_t taken = 0;
-                for (const RowSlice::Row& row : slice.rows) {
-                    if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested) {
-                        stopped = true;
-                        break;
+            // A failure here drops the block computed ahead, and its faults, as a stop does.
+            try {
+                for (std::size_t c = 0; c < batch.chunks && !stopped; ++c) {
+                    const RowSlice& slice = batch.slices[c];
+                    std::size_t taken = 0;
+                    for (const RowSlice::Row& row : slice.rows) {
+                        if ((rowret != 0 && rows >= rowret) || TMM.CancelRequested) {
+                            stopped = true;
+                            break;
+                        }
+                        if (row.verdict.kept) {
+                            grid.AppendRow(
+                                std::string_view(slice.text).substr(row.offset, row.length));
+                            ++rows;
+                            (row.verdict.gcvs ? seenGcvs : seenOther) = true;
+                        }
+                        ++taken;
+                        ++consumed;
+                        if (consumed % 10 == 0) {
+                            ui.Step(static_cast<int>(consumed));
+                            if (ui.Pump())
+                                TMM.CancelRequested = true;
+                        }
                     }
-                    if (row.verdict.kept) {
-                        grid.AppendRow(std::string_view(slice.text).substr(row.offset, row.length));
-                        ++rows;
-                        (row.verdict.gcvs ? seenGcvs : seenOther) = true;
-                    }
-                    ++taken;
-                    ++consumed;
-                    if (consumed % 10 == 0) {
-                        ui.Step(static_cast<int>(consumed));
-                        if (ui.Pump())
-                            TMM.CancelRequested = true;
+                    if (taken == slice.rows.size()) {
+                        for (std::size_t col = 0; col <= kGridCols; ++col)
+                            rowWidths[col] = std::max(rowWidths[col], slice.widths[col]);
+                    } else {
+                        for (std::size_t i = 0; i < taken; ++i) {
+                            const RowSlice::Row& row = slice.rows[i];
+                            if (row.verdict.kept)
+                                WidenCellWidths(
+                                    std::string_view(slice.text).substr(row.offset, row.length),
+                                    rowWidths);
+                        }
                     }
                 }
-                if (taken == slice.rows.size()) {
-                    for (std::size_t col = 0; col <= kGridCols; ++col)
-                        rowWidths[col] = std::max(rowWidths[col], slice.widths[col]);
-                } else {
-                    for (std::size_t i = 0; i < taken; ++i) {
-                        const RowSlice::Row& row = slice.rows[i];
-                        if (row.verdict.kept)
-                            WidenCellWidths(
-                                std::string_view(slice.text).substr(row.offset, row.length),
-                                rowWidths);
-                    }
+            } catch (...) {
+                if (more) {
+                    workers.Wait();
+                    faults.Discard();
                 }
+                throw;
             }
-            // Past the limit or cancelled, the block read ahead is dropped, and so is a failure
-            // reading it.
-            if (stopped || (rowret != 0 && rows >= rowret) || TMM.CancelRequested)
+            // Past the limit or cancelled, the block computed ahead is dropped with its faults,
+            // and so is a failure reading the one after.
+            if (stopped || (rowret != 0 && rows >= rowret) || TMM.CancelRequested) {
+                if (more) {
+                    workers.Wait();
+                    faults.Discard();
+                }
                 break;
-            if (readFailure)
-                std::rethrow_exception(readFailure);
-            std::swap(computing, reading);
+            }
+            if (!more) {
+                if (readFailure)
+                    std::rethrow_exception(readFailure);
+                break;
+            }
+            // This block's rows are appended, so its records make room for the block after
+            // the one being computed.
+            readAhead(batch.records);
         }
         load.cancelled = TMM.CancelRequested;
         widthsMeasured = true;

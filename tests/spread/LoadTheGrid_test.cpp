@@ -182,7 +182,7 @@ TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
 }
 
 // A fault of a later block is reported once, after that block is computed, and its rows stay;
-// a fault in the block read ahead past the row limit is never computed, so never reported.
+// a fault in the block computed ahead past the row limit is dropped with its rows.
 TEST_F(LoadFixture, FaultsOfLaterBlocks)
 {
     Insert(Alternating(300));
@@ -198,7 +198,7 @@ TEST_F(LoadFixture, FaultsOfLaterBlocks)
     const Case cases[] = {
         {0, 300, true},    // in the second and third blocks: one report
         {160, 160, true},  // the second block is computed whole
-        {100, 100, false}, // the second block is read ahead and dropped
+        {100, 100, false}, // the second block is computed ahead and dropped
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.rowret);
@@ -219,7 +219,8 @@ TEST_F(LoadFixture, FaultsOfLaterBlocks)
 }
 
 // The arcsine fault of the best-time search ends the process. In a later block it ends it once
-// that block is computed: the fault is reported first, and the earlier blocks' rows are in.
+// that block is computed: the fault is reported first, and the earlier blocks' rows are in. In
+// the block computed ahead past the row limit it is dropped with the block's rows.
 TEST_F(LoadFixture, FatalFaultInALaterBlock)
 {
     struct Ended
@@ -239,19 +240,33 @@ TEST_F(LoadFixture, FatalFaultInALaterBlock)
     TMM.prefs.PPre = "06/15/2024";
     TMM.prefs.optimum = true;
     services::SetEndProcessHandler([](int exitCode) { throw Ended{exitCode}; });
-    load.blockSize = 100;
-    int exitCode = -1;
-    try {
-        LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-    } catch (const Ended& ended) {
-        exitCode = ended.exitCode;
+    struct Case
+    {
+        long rowret;
+        bool ended;
+    };
+    for (const Case c : {Case{0, true}, Case{200, false}}) {
+        SCOPED_TRACE(c.rowret);
+        ui.shown.clear();
+        TMM.prefs.rowret = c.rowret;
+        load.blockSize = 100;
+        grid = Grid();
+        int exitCode = -1;
+        try {
+            LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+        } catch (const Ended& ended) {
+            exitCode = ended.exitCode;
+        }
+        TMM.QueryRunning = false;
+        EXPECT_EQ(exitCode != -1, c.ended);
+        EXPECT_EQ(grid.MaxRows(), 200);
+        EXPECT_EQ(ui.shown.size(), c.ended ? 1u : 0u);
+        if (c.ended && !ui.shown.empty()) {
+            EXPECT_NE(ui.shown[0].Text().find("Module1.CalcASN"), std::string::npos)
+                << ui.shown[0].Text();
+        }
     }
     services::SetEndProcessHandler(nullptr);
-    EXPECT_NE(exitCode, -1);
-    EXPECT_EQ(grid.MaxRows(), 200);
-    ASSERT_EQ(ui.shown.size(), 1u);
-    EXPECT_NE(ui.shown[0].Text().find("Module1.CalcASN"), std::string::npos)
-        << ui.shown[0].Text();
 }
 
 TEST_F(LoadFixture, MissingPositionShowsNaAndEscapesTheAltitudeFilter)
