@@ -1,6 +1,7 @@
 #include "tools/Sources.h"
 
 #include "services/Fault.h"
+#include "services/Vb.h"
 #include "tools/SkyMath.h"
 
 #include <QByteArray>
@@ -192,13 +193,9 @@ std::string ReadTextFile(const std::string& path)
 
 CsvTable ReadCsv(const std::string& path)
 {
-    std::istringstream in(ReadTextFile(path));
     CsvTable table;
     table.path = path;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    for (const std::string& line : services::vb::SplitLines(ReadTextFile(path))) {
         if (line.empty() || line[0] == '#')
             continue;
         if (table.header.empty()) {
@@ -335,10 +332,8 @@ std::vector<DeepSkyRecord> ParseDeepSkyCatalog(const std::string& bytes, const s
 
 std::map<std::string, std::string> ReadDeepSkyNames(const std::string& path)
 {
-    std::istringstream in(ReadTextFile(path));
     std::map<std::string, std::string> names;
-    std::string line;
-    while (std::getline(in, line)) {
+    for (const std::string& line : services::vb::SplitLines(ReadTextFile(path))) {
         if (line.size() < 21 || line[0] == '#')
             continue;
         std::string prefix = Trimmed(line.substr(0, 5));
@@ -357,15 +352,11 @@ std::map<std::string, std::string> ReadDeepSkyNames(const std::string& path)
 
 std::unordered_map<int, int> ReadHipToHd(const std::string& path)
 {
-    std::istringstream in(ReadTextFile(path));
     std::unordered_map<int, int> out;
-    std::string line;
     // The header comment names the tab-separated columns ("# HIP<tab><tab>SAO<tab>HD<tab>HR":
     // an empty column stands between HIP and SAO), so the HD column is found by its name.
     std::size_t hdColumn = 0;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    for (const std::string& line : services::vb::SplitLines(ReadTextFile(path))) {
         if (line.empty())
             continue;
         if (line[0] == '#') {
@@ -431,12 +422,8 @@ void ReadBinaryStars(const std::string& path, std::unordered_map<int, CatalogSta
 
 std::vector<VariableStar> ReadVariableStars(const std::string& path)
 {
-    std::istringstream in(ReadTextFile(path));
     std::vector<VariableStar> out;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    for (const std::string& line : services::vb::SplitLines(ReadTextFile(path))) {
         if (line.empty() || line[0] == '#')
             continue;
         auto f = TabFields(line);
@@ -463,12 +450,8 @@ std::vector<VariableStar> ReadVariableStars(const std::string& path)
 
 std::vector<DoubleStar> ReadDoubleStars(const std::string& path)
 {
-    std::istringstream in(ReadTextFile(path));
     std::vector<DoubleStar> out;
-    std::string line;
-    while (std::getline(in, line)) {
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+    for (const std::string& line : services::vb::SplitLines(ReadTextFile(path))) {
         if (line.empty() || line[0] == '#')
             continue;
         auto f = TabFields(line);
