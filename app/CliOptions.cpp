@@ -1,6 +1,8 @@
 #include "app/CliOptions.h"
 
-#include "data/Preferences.h"
+#include "data/PreferenceRules.h"
+
+#include <QLocale>
 
 namespace app {
 
@@ -32,12 +34,19 @@ CliOptions ParseCliOptions(const std::vector<std::string>& args)
             }
             const std::string key = pair.substr(0, eq);
             const std::string text = pair.substr(eq + 1);
+            const data::RuleVerdict verdict = data::CheckPreference(
+                key, text, services::vb::RegionalFromLocale(QLocale::system()),
+                data::RuleSource::Stored);
+            if (!verdict.kept) {
+                o.error = "--set " + pair + ": " + verdict.message;
+                break;
+            }
             data::Preferences probe;
-            if (std::string why = data::SetPreference(probe, key, text); !why.empty()) {
+            if (std::string why = data::SetPreference(probe, key, *verdict.kept); !why.empty()) {
                 o.error = why;
                 break;
             }
-            o.sets.emplace_back(key, text);
+            o.sets.emplace_back(key, *verdict.kept);
         } else if (a.starts_with("--"))
             o.error = "unknown option " + a;
         else {

@@ -20,9 +20,10 @@ struct CliOptions
     std::string error; // a usage error; empty when the line is well formed
 };
 
-// Splits the arguments (program name excluded). A --set whose key is not a setting, or whose
-// value is not of the setting's type, is a usage error, so that a bad value never reaches the
-// store; so is a missing command.
+// Splits the arguments (program name excluded). A --set whose key is not a setting, whose value
+// its key's rule refuses (data/PreferenceRules.h, dates in the machine's regional form) or
+// whose value is not of the setting's type is a usage error, so that a bad value never reaches
+// the store; so is a missing command. The values are kept as the rule keeps them.
 CliOptions ParseCliOptions(const std::vector<std::string>& args);
 
 } // namespace app

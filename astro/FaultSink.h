@@ -17,6 +17,9 @@ inline constexpr std::string_view kTypeMismatch = "Type mismatch";
 inline constexpr std::string_view kFileNotFound = "File not found";
 inline constexpr std::string_view kInputPastEndOfFile = "Input past end of file";
 
+// Where the one fatal fault is reported; the process ends right after.
+inline constexpr std::string_view kFatalFaultLocation = "Module1.CalcASN";
+
 class FaultSink
 {
 public:

@@ -137,8 +137,17 @@ AltAzm AltAzmAt(double sinPhi, double cosPhi, const Hms& hourAngle, const SkyObj
     double q = cosPhi * std::cos(a);
     if (q < 1e-20)
         q = 1e-20;
-    // Deliberate: c is not clamped; rounding past 1 is the fatal arcsine fault, as always.
-    const double c = (sinDelta - sinPhi * s) / q;
+    double c = (sinDelta - sinPhi * s) / q;
+    // Deliberate: near the zenith and the nadir the division above magnifies rounding far past
+    // the arcsine's margin (5e-12 seen for an object 0.04 degrees from the nadir on the
+    // meridian), which would end the program on valid data. There the same cosine is taken
+    // from the two horizontal components, which cannot pass 1. c is never clamped, and a site
+    // on a pole keeps the fatal fault.
+    if (std::fabs(c) > 1 && cosPhi > 0) {
+        const double north = sinDelta * cosPhi - sinPhi * object.cosDelta * std::cos(H);
+        const double horizontal = std::hypot(north, object.cosDelta * std::sin(H));
+        c = horizontal > 0 ? north / horizontal : 0;
+    }
     double A = CalcACS(c, faults);
     if (std::sin(H) > 0)
         A = kTwoPiShort - A;

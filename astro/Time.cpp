@@ -111,6 +111,10 @@ double CalcLif(double W)
 
 double CalcASN(double W, FaultSink& faults)
 {
+    // Deliberate: |W| within 1e-12 past 1 is floating-point rounding (an object exactly on the
+    // meridian), not a fault; only a real domain error ends the process.
+    if (std::fabs(W) > 1 && std::fabs(W) <= 1 + kAsnRoundingMargin)
+        W = W > 0 ? 1 : -1;
     const double q = 1 - W * W;
     if (!(q >= 0)) {
         char value[kNumberTextSize];
@@ -119,7 +123,7 @@ double CalcASN(double W, FaultSink& faults)
         message += '\n';
         message += kAsnClosing;
         message.append(value, n);
-        faults.ReportFault(message, "Module1.CalcASN");
+        faults.ReportFault(message, kFatalFaultLocation);
         faults.EndProcess(kFatalExitCode);
         std::exit(kFatalExitCode);
     }
@@ -133,7 +137,7 @@ double CalcACS(double W, FaultSink& faults)
 
 void CheckASN(double W, FaultSink& faults)
 {
-    if (!(1 - W * W >= 0))
+    if (!(std::fabs(W) <= 1 + kAsnRoundingMargin))
         CalcASN(W, faults);
 }
 

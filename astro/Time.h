@@ -100,14 +100,15 @@ double CalcLif(double W);
 double CalcRadians(double degrees);
 double CalcDegrees(double radians);
 
-// Arcsine of W in radians, safe at W = +-1. |W| above 1 is fatal: the fault is reported with
-// the system's closing message and the value of W, then the process ends through
-// faults.EndProcess.
+// Arcsine of W in radians, safe at W = +-1. |W| up to 1e-12 past 1 is rounding and gives
+// +-pi/2. Beyond that it is fatal: the fault is reported with the system's closing message and
+// the value of W, then the process ends through faults.EndProcess.
 // Location: Module1.CalcASN
 double CalcASN(double W, FaultSink& faults);
 // Arccosine, 1.570796327 - CalcASN(W); fatal as CalcASN.
 double CalcACS(double W, FaultSink& faults);
-// CalcASN's fatal fault alone, for a caller that keeps no value: nothing for |W| <= 1.
+// CalcASN's fatal fault alone, for a caller that keeps no value: nothing within the rounding
+// margin of 1.
 void CheckASN(double W, FaultSink& faults);
 
 // Common logarithm. Status: x <= 0 reports "Invalid procedure call or argument", returns 0.

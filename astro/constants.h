@@ -13,6 +13,8 @@ inline constexpr double kTwoPiShort = 6.283185308;
 inline constexpr double kHalfPiShort = 1.570796327;
 // Keeps the arcsine's quotient finite at W = 1 and W = -1.
 inline constexpr double kAsnGuard = 1e-20;
+// How far past 1 an arcsine argument may lie and still count as floating-point rounding.
+inline constexpr double kAsnRoundingMargin = 1e-12;
 // Radians to hours of the rise and set hour angle.
 inline constexpr double kHoursPerRadianShort = 3.819718634;
 // Julian Day of day number 0 (1900 January 0.5).

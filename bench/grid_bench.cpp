@@ -4,15 +4,15 @@
 // Budgets on a 2-core machine: the second mode in at most 2 times the first and under 2 s; the
 // third under 8 s; the loaded grid under 300 MB resident.
 //
-// grid_bench [--dump PREFIX] [--only MODE] [DATABASE]
+// grid_bench [--dump PREFIX] [--only MODE] [--date MM/DD/YYYY] [--time HH:MM] [DATABASE]
 // Without DATABASE the scale database is made once by make-scale-db (beside this program) in
 // the temporary folder. --dump writes each mode's grid, header and rows, to PREFIX.<mode>.txt,
-// so that two builds can be compared byte for byte.
+// so that two builds can be compared byte for byte. --date and --time move the observing
+// moment from 03/15/2024 22:00.
 
 #include "data/Database.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
-#include "spread/ComputedColumns.h"
 #include "spread/LoadTheGrid.h"
 
 #include <QCoreApplication>
@@ -28,7 +28,6 @@
 #include <fstream>
 #include <functional>
 #include <iostream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -83,86 +82,6 @@ void Dump(const spread::Grid& grid, const std::string& file)
         out << grid.RowText(row) << '\n';
 }
 
-astro::ObservingClock ClockOf(const data::Preferences& p)
-{
-    astro::ObservingClock c;
-    c.UseRealTime = p.UseRealTime;
-    c.PDate = p.PDate;
-    c.Ptime = p.Ptime;
-    c.Plat = p.Plat;
-    c.Plon = p.PLon;
-    c.PTz = p.PTz;
-    c.PStd = p.PStd;
-    c.timesAMPM = p.timesAMPM;
-    return c;
-}
-
-struct Fatal
-{
-};
-
-class ThrowingFaults : public astro::FaultSink
-{
-public:
-    void ReportFault(std::string_view, std::string_view) override {}
-    void EndProcess(int) override { throw Fatal{}; }
-};
-
-// The records whose computed columns end the process: with every column on, an object on the
-// meridian at one of the best-time samples can take the arcsine's argument past 1 by rounding,
-// which ends the program as it always has. The load in that mode leaves them out, so that it
-// can be timed; the list is kept beside the database.
-std::vector<long long> FaultingRecords(data::Database& db, const std::string& database,
-                                       const data::Preferences& prefs)
-{
-    std::vector<long long> ids;
-    const std::string cache = database + ".faulting";
-    if (std::ifstream in(cache); in) {
-        for (long long id = 0; in >> id;)
-            ids.push_back(id);
-        return ids;
-    }
-    std::cout << "Looking for the records whose computed columns end the process ..." << std::endl;
-    spread::RowOptions options;
-    options.Palt = prefs.Palt == "Y";
-    options.Prise = prefs.Prise == "Y";
-    options.optimum = prefs.optimum;
-    options.ShowCharts = prefs.ShowCharts;
-    options.PInterval = prefs.PInterval;
-    spread::SetPrecessionDate(options, prefs.PPre, services::vb::Regional{});
-    const astro::ObservingClock clock = ClockOf(prefs);
-    const astro::SystemClock computer;
-    data::Recordset rs = db.OpenRecordset("Select ID, RAhours, RAminutes, DeclinationDegrees, "
-                                          "DeclinationMinutes, EPOCH From SelvaneTable",
-                                          data::Snapshot);
-    auto number = [](data::Field f) {
-        return f.IsNull() ? spread::NumberField{} : spread::NumberField::Of(f.Double());
-    };
-    ThrowingFaults faults;
-    for (; !rs.Eof(); rs.MoveNext()) {
-        spread::ObjectRecord record;
-        record.RAhours = number(rs.Fields("RAhours"));
-        record.RAminutes = number(rs.Fields("RAminutes"));
-        record.DeclinationDegrees = number(rs.Fields("DeclinationDegrees"));
-        record.DeclinationMinutes = number(rs.Fields("DeclinationMinutes"));
-        const spread::NumberField epoch = number(rs.Fields("EPOCH"));
-        spread::Position position;
-        if (!spread::StoredPosition(record, position))
-            continue;
-        spread::ComputedColumns computed;
-        try {
-            spread::ComputeColumns(options, clock, computer, epoch.null ? 2000.0 : epoch.value,
-                                   position, computed, faults);
-        } catch (const Fatal&) {
-            ids.push_back(rs.Fields("ID").Long());
-        }
-    }
-    std::ofstream out(cache);
-    for (long long id : ids)
-        out << id << "\n";
-    return ids;
-}
-
 } // namespace
 
 int main(int argc, char** argv)
@@ -171,10 +90,16 @@ int main(int argc, char** argv)
     std::string dumpPrefix;
     std::string only;
     std::string database;
+    std::string date = "03/15/2024";
+    std::string time = "22:00";
     for (int i = 1; i < argc; ++i) {
         const std::string arg = argv[i];
         if (arg == "--dump" && i + 1 < argc)
             dumpPrefix = argv[++i];
+        else if (arg == "--date" && i + 1 < argc)
+            date = argv[++i];
+        else if (arg == "--time" && i + 1 < argc)
+            time = argv[++i];
         else if (arg == "--only" && i + 1 < argc)
             only = argv[++i];
         else
@@ -197,10 +122,10 @@ int main(int argc, char** argv)
     readOnly.readOnly = true;
     TMM.objectDb = data::Database::Open(database, readOnly);
 
-    auto base = [](data::Preferences& p) {
+    auto base = [&](data::Preferences& p) {
         p = data::Preferences{};
-        p.PDate = "03/15/2024";
-        p.Ptime = "22:00";
+        p.PDate = date;
+        p.Ptime = time;
         p.Plat = 40;
         p.PLon = 90;
         p.PTz = 6;
@@ -238,19 +163,6 @@ int main(int argc, char** argv)
             continue;
         mode.set(TMM.prefs);
         TMM.SQL = "Select * From SelvaneTable";
-        if (TMM.prefs.optimum) {
-            const std::vector<long long> ids = FaultingRecords(*TMM.objectDb, database, TMM.prefs);
-            if (!ids.empty()) {
-                std::ostringstream sql;
-                sql << TMM.SQL << " Where ID Not In (";
-                for (std::size_t i = 0; i < ids.size(); ++i)
-                    sql << (i ? "," : "") << ids[i];
-                sql << ")";
-                TMM.SQL = sql.str();
-                std::printf("(%zu records left out: the arcsine fault of the best-time search)\n",
-                            ids.size());
-            }
-        }
         spread::Grid grid;
         spread::GridLoad load;
         malloc_trim(0);

@@ -1,5 +1,6 @@
 #include "data/Preferences.h"
 
+#include "data/PreferenceRules.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
 #include "services/Vb.h"
@@ -271,20 +272,38 @@ bool SameKey(const std::string& a, const std::string& b)
 
 } // namespace
 
-void LoadPreferences(Preferences& prefs, SettingsStore& store, const ProgramDir& programDir)
+std::optional<PreferencesReset> LoadPreferences(Preferences& prefs, SettingsStore& store,
+                                                const ProgramDir& programDir,
+                                                const services::vb::Regional& regional)
 {
     prefs.ProgramName = "Selvane 2003";
+    std::optional<PreferencesReset> reset;
     VisitKeys(prefs, programDir, [&](const std::string& key, const std::string&, auto& member,
                                      const auto& defaultValue) {
         using T = std::remove_reference_t<decltype(member)>;
         const std::string text = store.Get(key, ToText(static_cast<T>(defaultValue)));
-        if (Convert(text, member))
+        const RuleVerdict verdict = CheckPreference(key, text, regional, RuleSource::Stored);
+        if (verdict.kept && Convert(*verdict.kept, member))
             return;
+        // Deliberate: a value the program cannot compute with is treated as one that cannot be
+        // converted, so a hand-edited file never stops the program; the observer is told once.
+        if (!reset)
+            reset = PreferencesReset{key, text, verdict.message};
         // Deliberate: one value that cannot be converted resets every preference; the keys
         // already read keep their values in memory until the next save.
         store.DeleteSection();
         Convert(store.Get(key, ToText(static_cast<T>(defaultValue))), member);
     });
+    return reset;
+}
+
+std::string PreferencesResetText(const PreferencesReset& reset)
+{
+    std::string text = "The setting " + reset.key + " held \"" + reset.stored +
+                       "\", which Selvane cannot use. ";
+    if (!reset.why.empty())
+        text += reset.why + " ";
+    return text + "Your preferences have been reset to their defaults.";
 }
 
 void SavePreferences(const Preferences& prefs, SettingsStore& store)
@@ -307,6 +326,11 @@ void GetLocalization(Preferences& prefs, const QLocale& locale)
     prefs.decimalchar = regional.decimalchar;
 }
 
+services::vb::Regional RegionalOf(const Preferences& prefs)
+{
+    return {prefs.dateformat, prefs.datesep, prefs.decimalchar};
+}
+
 std::string SetPreference(Preferences& prefs, const std::string& key, const std::string& text)
 {
     std::string result = "unknown setting " + key;
@@ -322,6 +346,15 @@ std::string SetPreference(Preferences& prefs, const std::string& key, const std:
             result = "the value \"" + text + "\" of " + loadKey + " is not of its type";
     });
     return result;
+}
+
+std::vector<std::string> PreferenceKeys()
+{
+    std::vector<std::string> keys;
+    Preferences prefs;
+    VisitKeys(prefs, ProgramDir{}, [&](const std::string& loadKey, const std::string&,
+                                       const auto&, const auto&) { keys.push_back(loadKey); });
+    return keys;
 }
 
 std::optional<std::string> GetPreference(const Preferences& prefs, const std::string& key)

@@ -4,11 +4,14 @@
 // tabs 1 to 5 at indices 0 to 4 (key "CFontName3" is CFontName[2]).
 // Angles in degrees, longitude positive west, time zone in hours behind Greenwich.
 
+#include "services/Vb.h"
+
 #include <QLocale>
 
 #include <array>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace data {
 
@@ -156,13 +159,30 @@ inline constexpr int VersionMajor = 1;
 inline constexpr int VersionMinor = 0;
 inline constexpr int VersionRevision = 0;
 
+// What LoadPreferences found that it could not use: the key and its stored text, and the
+// rule's message when a rule refused it (empty when the text is not of the key's type).
+struct PreferencesReset
+{
+    std::string key;
+    std::string stored;
+    std::string why;
+};
+
 // Reads every key in a fixed order into prefs, each missing key taking its default.
-// Given: store, the settings file; programDir, the folder that the path defaults are made from.
+// Given: store, the settings file; programDir, the folder that the path defaults are made from;
+//   regional, the machine's date form for the dates' rules (data/PreferenceRules.h).
+// Returns: the value that reset the preferences, if one did.
 // Notes: a stored value that cannot be converted to its member's type (empty text for a number,
-// "abc" for a latitude) deletes the whole section: that key and every later one take their
-// defaults, the keys read before it keep their values in memory until the next save, and the
-// next start is a first run (FIRST True).
-void LoadPreferences(Preferences& prefs, SettingsStore& store, const ProgramDir& programDir);
+// "abc" for a latitude), or that its key's rule refuses (a latitude of 90, the date 02/29/2025),
+// deletes the whole section: that key and every later one take their defaults, the keys read
+// before it keep their values in memory until the next save, and the next start is a first run
+// (FIRST True).
+std::optional<PreferencesReset> LoadPreferences(Preferences& prefs, SettingsStore& store,
+                                                const ProgramDir& programDir,
+                                                const services::vb::Regional& regional = {});
+
+// The message telling the observer which value reset the preferences (kind "I").
+std::string PreferencesResetText(const PreferencesReset& reset);
 
 // Writes every key in the same order, numbers and Yes/No values as text ("True", "False"),
 // the keys Plon, Staticpainteffect and des1 to des3 in that case, then major, minor, revision.
@@ -170,10 +190,15 @@ void SavePreferences(const Preferences& prefs, SettingsStore& store);
 
 // Overwrites dateformat, datesep and decimalchar with the machine's regional values.
 void GetLocalization(Preferences& prefs, const QLocale& locale);
+// The regional formats the preferences hold.
+services::vb::Regional RegionalOf(const Preferences& prefs);
 
 // Sets one preference by its key (any case) from its stored text.
 // Returns: empty on success, else the reason ("unknown setting ...", "... is not a number").
 std::string SetPreference(Preferences& prefs, const std::string& key, const std::string& text);
+
+// Every key LoadPreferences reads, in its order.
+std::vector<std::string> PreferenceKeys();
 
 // The stored text of one preference by its key; nothing for an unknown key.
 std::optional<std::string> GetPreference(const Preferences& prefs, const std::string& key);

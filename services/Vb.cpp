@@ -505,10 +505,11 @@ std::string FormatNumber(double value, std::string_view pattern, const NumberSig
 
 NumberSigns SignsOf(const Regional& regional)
 {
-    NumberSigns signs;
-    signs.point = regional.decimalchar.empty() ? "." : regional.decimalchar;
-    signs.group = signs.point == "," ? "." : ",";
-    return signs;
+    // Each sign is built whole rather than assigned over the default, which GCC 12 at -O3
+    // misreads as an overlapping copy (-Wrestrict).
+    std::string point = regional.decimalchar.empty() ? std::string(".") : regional.decimalchar;
+    std::string group(1, point == "," ? '.' : ',');
+    return NumberSigns{std::move(point), std::move(group)};
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -882,8 +883,7 @@ std::optional<QDate> DateFromGroups(const DateFields& f, const std::string& orde
             month = v;
             break;
         default:
-            if (g.size() == 3)
-                return std::nullopt;
+            // Two digits are windowed; three or four are the year itself (1/1/100 is year 100).
             year = WindowYear(v, g.size());
         }
     }

@@ -29,6 +29,25 @@ template <std::size_t N> void AssignInteger(FixedText<N>& text, int value)
     text.Assign(std::string_view(buffer, static_cast<std::size_t>(result.ptr - buffer)));
 }
 
+// Passes a row's faults on and remembers that one came, so that no value a trapped fault left
+// behind reaches a later routine of the row (the arcsine above all, whose fault is fatal).
+class RowFaults : public astro::FaultSink
+{
+public:
+    explicit RowFaults(astro::FaultSink& faults) : faults_(faults) {}
+    void ReportFault(std::string_view message, std::string_view location) override
+    {
+        faulted = true;
+        faults_.ReportFault(message, location);
+    }
+    void EndProcess(int exitCode) override { faults_.EndProcess(exitCode); }
+
+    bool faulted = false;
+
+private:
+    astro::FaultSink& faults_;
+};
+
 bool SameClock(const astro::ObservingClock& a, const astro::ObservingClock& b)
 {
     return a.Plat == b.Plat && a.Plon == b.Plon && a.PTz == b.PTz && a.timesAMPM == b.timesAMPM &&
@@ -103,11 +122,18 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
         plans = &*own;
     }
 
+    RowFaults rowFaults(faults);
+    auto cutShort = [&] {
+        computed.cutShort = rowFaults.faulted;
+        return computed.cutShort;
+    };
     astro::Hms ra{position.raHours, position.raMinutes, position.raSeconds};
     astro::Dms dec{position.decDegrees, position.decMinutes, position.decSeconds};
     if (options.precess) {
         const astro::Equatorial precessed =
-            astro::Precession(options.precession, ra, dec, epochYear, faults);
+            astro::Precession(options.precession, ra, dec, epochYear, rowFaults);
+        if (cutShort())
+            return;
         ra = precessed.ra;
         dec = precessed.dec;
         position = {ra.hours, ra.minutes, ra.seconds, dec.degrees, dec.minutes, dec.seconds};
@@ -115,7 +141,10 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
     }
 
     if (options.optimum) {
-        const astro::BestTime best = astro::FindBestTimeToObserve(plans->best, ra, dec, faults);
+        const astro::BestTime best =
+            astro::FindBestTimeToObserve(plans->best, ra, dec, rowFaults);
+        if (cutShort())
+            return;
         computed.transit.Assign(best.bestTime);
     }
 
@@ -124,14 +153,20 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
         object = astro::MakeSkyObject(ra, dec);
 
     if (options.Palt) {
-        const astro::Hms hourAngle = astro::CalcHourAngle(plans->sky, ra, faults);
-        const astro::AltAzm altAzm = astro::CalcAltAzm(plans->sky, hourAngle, object, faults);
+        const astro::Hms hourAngle = astro::CalcHourAngle(plans->sky, ra, rowFaults);
+        if (cutShort())
+            return;
+        const astro::AltAzm altAzm = astro::CalcAltAzm(plans->sky, hourAngle, object, rowFaults);
+        if (cutShort())
+            return;
         computed.alt = Rounded(kAltitude, Rounded(kAzimuth, altAzm.altitude));
         computed.azm = Rounded(kAzimuth, altAzm.azimuth);
     }
 
     if (options.Prise) {
-        const astro::RiseSetTimes times = astro::RiseSet(plans->sky, object, faults);
+        const astro::RiseSetTimes times = astro::RiseSet(plans->sky, object, rowFaults);
+        if (rowFaults.faulted)
+            return;
         if (times.status == -1) {
             computed.rise.Assign("CPolar");
         } else if (times.status == 1) {

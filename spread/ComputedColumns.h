@@ -29,8 +29,9 @@ RowPlans MakeRowPlans(const astro::ObservingClock& clock, const astro::Clock& co
 //   observing clock and site), epochYear (EPOCH of the record), position (the stored one).
 // Returned: position becomes the precessed one when precession runs; computed holds altitude
 //   and azimuth rounded to 2 decimals and the column texts.
-// Status: a fault inside an astronomy routine goes to faults and the row goes on with the
-//   values as they stood.
+// Status: a fault inside an astronomy routine goes to faults and ends the row's computing: the
+//   columns not yet computed stay empty (computed.cutShort), so that nothing the fault left
+//   behind is computed with.
 // Notes: the routines run through the plans of options.plans, made by the first row (under
 //   real time the computer clock is read then, once per load); a call with another clock than
 //   the first makes its own.

@@ -17,6 +17,9 @@
 namespace spread {
 
 inline constexpr int kGridCols = 31;
+// The first columns (plan mark, image, observed, ObjectID) stay in view while a grid scrolls
+// sideways.
+inline constexpr int kFrozenCols = 4;
 
 // The widest cell of each column (index 1 to 31) over some rows, in characters.
 using CellWidths = std::array<std::size_t, kGridCols + 1>;

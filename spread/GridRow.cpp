@@ -261,11 +261,13 @@ RowVerdict WriteGridRow(const ObjectRecord& record, bool noPosition, const Posit
         PutEpoch(out, record.EPOCH);
     }
     out.Tab();
-    // Turbo mode leaves the computed columns empty; otherwise Alt and Azm always show.
-    if (!options.speed1)
+    // Turbo mode leaves the computed columns empty; otherwise Alt and Azm always show, unless a
+    // fault cut the row's computing short.
+    const bool showAltAzm = !options.speed1 && !computed.cutShort;
+    if (showAltAzm)
         PutAltitude(out, computed.alt, point);
     out.Tab();
-    if (!options.speed1)
+    if (showAltAzm)
         out.Put(kHundredths, computed.azm, point);
     out.Tab();
     out.Put(computed.rise.View());

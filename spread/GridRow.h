@@ -81,6 +81,7 @@ struct ComputedColumns
     FixedText<8> skyAtlas, uranometria;
     FixedText<16> millennium;
     bool precessed = false;
+    bool cutShort = false; // a trapped fault ended the computing: Alt and Azm stay empty
 };
 
 struct RowPlans;

@@ -110,9 +110,14 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
 
     // 1. Settings, then the machine's regional formats over them.
     step("LoadPreferences");
-    data::LoadPreferences(p, TMM.settings, TMM.dir);
+    const QLocale machine = QLocale::system();
+    if (const auto reset = data::LoadPreferences(p, TMM.settings, TMM.dir,
+                                                 services::vb::RegionalFromLocale(machine))) {
+        TMM.settings.Sync();
+        ui.ShowMessage(data::PreferencesResetText(*reset), "Preferences Reset", "I");
+    }
     step("GetLocalization");
-    data::GetLocalization(p, QLocale::system());
+    data::GetLocalization(p, machine);
 
     // 2.
     step("DeleteNexstarTmp");

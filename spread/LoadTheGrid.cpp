@@ -24,7 +24,9 @@ constexpr int kDefaultBlock = 4096;
 constexpr std::size_t kChunksPerWorker = 8;
 
 // Faults of the astronomy routines, gathered from the worker threads and reported once each on
-// the loading thread; the fatal one unwinds its worker.
+// the loading thread; the fatal one unwinds its worker. Several workers may meet the fatal
+// fault at once, each with its own value: only the first is reported, as the process ends
+// after one message.
 class GatheredFaults : public astro::FaultSink
 {
 public:
@@ -36,6 +38,11 @@ public:
     void ReportFault(std::string_view message, std::string_view location) override
     {
         std::lock_guard lock(mutex_);
+        if (location == astro::kFatalFaultLocation) {
+            if (fatalSeen_)
+                return;
+            fatalSeen_ = true;
+        }
         std::pair<std::string, std::string> fault{std::string(message), std::string(location)};
         if (seen_.insert(fault).second)
             faults_.push_back(std::move(fault));
@@ -63,6 +70,7 @@ public:
 
 private:
     std::mutex mutex_;
+    bool fatalSeen_ = false;
     std::set<std::pair<std::string, std::string>> seen_;
     std::vector<std::pair<std::string, std::string>> faults_;
 };
@@ -323,15 +331,6 @@ private:
     std::vector<std::jthread> threads_;
 };
 
-services::vb::Regional RegionalFrom(const data::Preferences& p)
-{
-    services::vb::Regional regional;
-    regional.dateformat = p.dateformat;
-    regional.datesep = p.datesep;
-    regional.decimalchar = p.decimalchar;
-    return regional;
-}
-
 RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
 {
     RowOptions o;
@@ -341,7 +340,7 @@ RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
     o.optimum = p.optimum;
     o.ShowCharts = p.ShowCharts;
     if (!p.speed1)
-        SetPrecessionDate(o, p.PPre, RegionalFrom(p));
+        SetPrecessionDate(o, p.PPre, data::RegionalOf(p));
     o.PInterval = p.PInterval;
     o.PlanLoad = planLoad;
     o.hasMinAlt = !services::vb::Trim(p.Pminalt).empty();
@@ -362,7 +361,7 @@ astro::ObservingClock ClockFrom(const data::Preferences& p)
     // The observing date is kept in the regional short form; the astronomy routines take it
     // as YYYY-MM-DD. A text that is no date passes as it is (blank means today).
     c.PDate = p.PDate;
-    if (const auto date = services::vb::ParseDate(p.PDate, RegionalFrom(p)))
+    if (const auto date = services::vb::ParseDate(p.PDate, data::RegionalOf(p)))
         c.PDate = date->toString(Qt::ISODate).toStdString();
     c.Ptime = p.Ptime;
     c.Plat = p.Plat;

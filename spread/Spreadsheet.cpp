@@ -6,15 +6,6 @@
 namespace spread {
 namespace {
 
-services::vb::Regional RegionalOf(const data::Preferences& p)
-{
-    services::vb::Regional regional;
-    regional.dateformat = p.dateformat;
-    regional.datesep = p.datesep;
-    regional.decimalchar = p.decimalchar;
-    return regional;
-}
-
 // Degrees, minutes and seconds of an angle, each "00", with their signs.
 std::string DegreesMinutesSeconds(double angleDeg)
 {
@@ -60,13 +51,13 @@ void UpdateStatusBar(AppState& TMM, const astro::Clock& computerClock, bool reco
     StatusBand& s = TMM.status;
     if (RealTime(p)) {
         const astro::LocalDateTime now = computerClock.Now();
-        s.lblDate = "Date: " + services::vb::ShortDate(DateOf(now), RegionalOf(p));
+        s.lblDate = "Date: " + services::vb::ShortDate(DateOf(now), data::RegionalOf(p));
         s.lblTime = "Time: " + services::vb::LongTime(TimeOf(now));
     } else {
         // A blank plan date means today, and the list is computed for today: say so.
         s.lblDate = "Date: " + (services::vb::Trim(p.PDate).empty()
                                     ? services::vb::ShortDate(DateOf(computerClock.Now()),
-                                                              RegionalOf(p))
+                                                              data::RegionalOf(p))
                                     : p.PDate);
         s.lblTime = "Time: " + p.Ptime;
     }

@@ -33,19 +33,19 @@ std::string Degrees(double value)
 
 // A list of places whose choice fills the three boxes of the site.
 QComboBox* AddPlacePicker(QFormLayout* form, int row, const QString& label,
-                          const std::vector<Place>& places, QLineEdit* lat, QLineEdit* lon,
+                          const std::vector<data::Place>& places, QLineEdit* lat, QLineEdit* lon,
                           QLineEdit* tz)
 {
     auto* combo = new QComboBox;
     combo->addItem(QString());
-    for (const Place& place : places)
+    for (const data::Place& place : places)
         combo->addItem(Q(place.name));
     combo->setEnabled(!places.empty());
     form->insertRow(row, label, combo);
     QObject::connect(combo, &QComboBox::activated, combo, [=](int index) {
         if (index < 1 || index > static_cast<int>(places.size()))
             return;
-        const Place& place = places[static_cast<std::size_t>(index - 1)];
+        const data::Place& place = places[static_cast<std::size_t>(index - 1)];
         lat->setText(Q(Degrees(place.Latitude)));
         lon->setText(Q(Degrees(place.Longitude)));
         tz->setText(Q(Degrees(place.TimeZone)));
@@ -76,8 +76,8 @@ QLineEdit* AddDatabaseBox(QFormLayout* form, PreferenceForm& prefs, services::Ui
     return path;
 }
 
-void AddSiteBoxes(QFormLayout* form, PreferenceForm& prefs, const std::vector<Place>& locations,
-                  const std::vector<Place>* sites)
+void AddSiteBoxes(QFormLayout* form, PreferenceForm& prefs, const std::vector<data::Place>& locations,
+                  const std::vector<data::Place>* sites)
 {
     auto* lat = prefs.AddText(form, "Plat", "Latitude (degrees, north positive)");
     auto* lon = prefs.AddText(form, "PLon", "Longitude (degrees, west positive)");
@@ -146,9 +146,9 @@ std::string PreferenceForm::Stored(const std::string& key) const
     return data::GetPreference(prefs_, key).value_or(std::string());
 }
 
-PreferenceEdits PreferenceForm::Edits() const
+data::PreferenceEdits PreferenceForm::Edits() const
 {
-    PreferenceEdits edits;
+    data::PreferenceEdits edits;
     for (const Field& field : fields_)
         edits.emplace_back(field.key, field.text());
     return edits;
@@ -157,8 +157,8 @@ PreferenceEdits PreferenceForm::Edits() const
 bool PreferenceForm::Keep()
 {
     data::Preferences changed = prefs_;
-    if (const auto problem = ApplyPreferenceEdits(changed, Edits())) {
-        ui_.ShowMessage(problem->text, InvalidEntryTitle, "U");
+    if (const auto problem = data::ApplyPreferenceEdits(changed, Edits(), data::RegionalOf(prefs_))) {
+        ui_.ShowMessage(problem->text, data::InvalidEntryTitle, "U");
         for (const Field& field : fields_)
             if (field.key == problem->key)
                 field.widget->setFocus();
@@ -210,7 +210,7 @@ frmPref::frmPref(data::Preferences& prefs, data::SettingsStore& store, services:
 }
 
 frmPref2::frmPref2(data::Preferences& prefs, data::SettingsStore& store, services::UiPort& ui,
-                   const std::vector<Place>& locations, const std::vector<Place>& sites,
+                   const std::vector<data::Place>& locations, const std::vector<data::Place>& sites,
                    QWidget* parent)
     : PreferenceWindow("Geographic Location", prefs, store, ui, parent)
 {
@@ -272,7 +272,7 @@ frmPref7::frmPref7(data::Preferences& prefs, data::SettingsStore& store, service
 }
 
 frmSetupWizard::frmSetupWizard(data::Preferences& prefs, data::SettingsStore& store,
-                               services::UiPort& ui, const std::vector<Place>& locations,
+                               services::UiPort& ui, const std::vector<data::Place>& locations,
                                QWidget* parent)
     : QWizard(parent), form_(prefs, store, ui)
 {

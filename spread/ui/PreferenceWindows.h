@@ -5,7 +5,8 @@
 // that does not fit with a message naming it, and on OK keeps the values and saves every
 // preference.
 
-#include "spread/PreferenceRules.h"
+#include "data/Places.h"
+#include "data/PreferenceRules.h"
 
 #include <QDialog>
 #include <QWizard>
@@ -49,7 +50,7 @@ public:
     // A box whose edit text is made by the caller.
     void AddCustom(const std::string& key, QWidget* focus, std::function<std::string()> text);
 
-    PreferenceEdits Edits() const;
+    data::PreferenceEdits Edits() const;
     // Checks and keeps every value, then saves all preferences. On a refused entry shows the
     // message (kind "U"), puts the focus on the box and returns false, changing nothing.
     bool Keep();
@@ -98,7 +99,7 @@ class frmPref2 : public PreferenceWindow
 {
 public:
     frmPref2(data::Preferences& prefs, data::SettingsStore& store, services::UiPort& ui,
-             const std::vector<Place>& locations, const std::vector<Place>& sites,
+             const std::vector<data::Place>& locations, const std::vector<data::Place>& sites,
              QWidget* parent = nullptr);
 };
 
@@ -123,7 +124,7 @@ class frmSetupWizard : public QWizard
 {
 public:
     frmSetupWizard(data::Preferences& prefs, data::SettingsStore& store, services::UiPort& ui,
-                   const std::vector<Place>& locations, QWidget* parent = nullptr);
+                   const std::vector<data::Place>& locations, QWidget* parent = nullptr);
     PreferenceForm& Form() { return form_; }
     void accept() override;
 

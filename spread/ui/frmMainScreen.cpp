@@ -7,6 +7,7 @@
 #include "spread/Grid.h"
 #include "spread/Spreadsheet.h"
 #include "spread/ui/BusyUiPort.h"
+#include "spread/ui/FrozenTableView.h"
 #include "spread/ui/GridModel.h"
 #include "spread/ui/PreferenceWindows.h"
 #include "spread/ui/ctlSpreadFilter.h"
@@ -112,7 +113,7 @@ frmMainScreen::frmMainScreen(AppState& state, BusyUiPort& ui, MainScreenHooks ho
             night_.SetNightVision(false);
     };
     steps.SaveLayout = [this] { SaveCommandBarLayout(); };
-    steps.UnloadWindows = [this] {
+    steps.UnloadWindows = [] {
         const auto windows = QApplication::topLevelWidgets();
         for (auto it = windows.rbegin(); it != windows.rend(); ++it)
             if ((*it)->isVisible())
@@ -175,7 +176,7 @@ void frmMainScreen::BuildClientViews()
     connect(filter_, &ctlSpreadFilter::ApplyRequested, this,
             [this] { RunLoad([this] { ApplyFromPanel(state_, *filter_, ComputerClock()); }); });
     for (int tab = 0; tab < kGridTabs; ++tab) {
-        auto* view = new QTableView(sstab1_);
+        auto* view = new FrozenTableView(kFrozenCols, sstab1_);
         view->setObjectName(QString("grdObject%1").arg(tab));
         auto* model = new GridModel(view);
         view->setModel(model);
@@ -398,7 +399,7 @@ void frmMainScreen::FillListActions()
         {"herschelshow", Kind::Herschel3, data::Herschel3},
     };
     for (const auto& [key, kind, list] : lists)
-        dispatcher_->SetAction(key, [this, kind, list] { ShowFixedList(kind, list); });
+        dispatcher_->SetAction(key, [this, kind = kind, list = list] { ShowFixedList(kind, list); });
     dispatcher_->SetAction("refresh", [this] {
         RunLoad([this] {
             GridLoad load;
@@ -615,11 +616,11 @@ void frmMainScreen::RefreshGrid(int tab)
 {
     GridModel& model = *models_.at(tab);
     model.Reset();
-    QTableView& view = *views_.at(tab);
+    FrozenTableView& view = *views_.at(tab);
     if (const Grid* grid = grids_.at(tab)) {
         for (int row = 1; row <= grid->MaxRows(); ++row)
             if (grid->RowHidden(row))
-                view.setRowHidden(row - 1, true);
+                view.SetRowHidden(row - 1, true);
         for (int col = 1; col <= kGridCols; ++col) {
             const double width = grid->ColWidth(col);
             view.setColumnHidden(col - 1, width == 0);
@@ -628,6 +629,7 @@ void frmMainScreen::RefreshGrid(int tab)
                     col - 1,
                     static_cast<int>(width * view.fontMetrics().horizontalAdvance('0')) + 8);
         }
+        view.SyncFrozenColumns();
     }
     if (tab == CurrTab())
         ShowRowCount(tab);
@@ -706,7 +708,7 @@ void frmMainScreen::ResetFilterOnTab()
         return;
     ResetFilter(*grids_[tab]);
     for (int row = 0; row < grids_[tab]->MaxRows(); ++row)
-        views_[tab]->setRowHidden(row, false);
+        views_[tab]->SetRowHidden(row, false);
 }
 
 void frmMainScreen::FilterGridOnTab(const std::string& text)
@@ -718,7 +720,7 @@ void frmMainScreen::FilterGridOnTab(const std::string& text)
     services::Trap(ui_, "ctlSpread.FilterGrid", [&] {
         FilterGrid(grid, lastCol_[tab] > 0 ? lastCol_[tab] : 4, text);
         for (int row = 1; row <= grid.MaxRows(); ++row)
-            views_[tab]->setRowHidden(row - 1, grid.RowHidden(row));
+            views_[tab]->SetRowHidden(row - 1, grid.RowHidden(row));
     });
 }
 
@@ -891,11 +893,11 @@ bool frmMainScreen::ShowPreferenceWindow(const std::string& key)
     if (key == "date") {
         window = std::make_unique<frmPref>(state_.prefs, state_.settings, ui_, this);
     } else if (key == "geographic") {
-        std::vector<Place> locations;
-        std::vector<Place> sites;
+        std::vector<data::Place> locations;
+        std::vector<data::Place> sites;
         if (state_.logbookDb) {
-            locations = LoadLocationList(*state_.logbookDb);
-            sites = LoadObservingSites(*state_.logbookDb);
+            locations = data::LoadLocationList(*state_.logbookDb);
+            sites = data::LoadObservingSites(*state_.logbookDb);
         }
         window =
             std::make_unique<frmPref2>(state_.prefs, state_.settings, ui_, locations, sites, this);
@@ -914,10 +916,10 @@ bool frmMainScreen::ShowPreferenceWindow(const std::string& key)
 
 bool frmMainScreen::ShowSetupWizard()
 {
-    std::vector<Place> locations;
+    std::vector<data::Place> locations;
     if (state_.logbookDb)
         services::Trap(ui_, "frmSetupWizard.Form_Load",
-                       [&] { locations = LoadLocationList(*state_.logbookDb); });
+                       [&] { locations = data::LoadLocationList(*state_.logbookDb); });
     frmSetupWizard wizard(state_.prefs, state_.settings, ui_, locations, this);
     return wizard.exec() == QDialog::Accepted;
 }

@@ -8,6 +8,7 @@
 #include "spread/LoadForm.h"
 #include "spread/MainShell.h"
 #include "spread/Plans.h"
+#include "spread/ui/FrozenTableView.h"
 #include "spread/ui/NightVision.h"
 
 #include <QMainWindow>
@@ -213,7 +214,7 @@ private:
     QTabWidget* sstab1_ = nullptr;
     QSplitter* spreadSplitter_ = nullptr;
     ctlSpreadFilter* filter_ = nullptr;
-    std::array<QTableView*, kGridTabs> views_{};
+    std::array<FrozenTableView*, kGridTabs> views_{};
     std::array<GridModel*, kGridTabs> models_{};
     std::array<Grid*, kGridTabs> grids_{};
     std::array<int, kGridTabs> lastCol_{};

@@ -19,7 +19,24 @@ TEST(ParseCliOptions, UsageErrorsAndOverrides)
         {{}, "no command given", ""},
         {{"--home"}, "--home needs a value", ""},
         {{"--set", "Plat", "grid"}, "--set needs KEY=VALUE, not \"Plat\"", ""},
-        {{"--set", "Plat=abc", "grid"}, "the value \"abc\" of Plat is not of its type", ""},
+        {{"--set", "Plat=abc", "grid"},
+         "--set Plat=abc: The latitude must be a number of degrees between -90 and 90, positive "
+         "north; a site on a pole cannot be computed.",
+         ""},
+        {{"--set", "PDate=02/29/2025", "grid"},
+         "--set PDate=02/29/2025: The observing date must be blank, for today, or a date of the "
+         "calendar such as 11/21/2026.",
+         ""},
+        {{"--set", "Ptime=25:99", "grid"},
+         "--set Ptime=25:99: The observing time must be a time of day in hours and minutes, "
+         "such as 22:00.",
+         ""},
+        {{"--set", "PTz=30", "grid"},
+         "--set PTz=30: The time zone must be a number of hours from -14 to 14, positive west "
+         "of Greenwich.",
+         ""},
+        {{"--set", "CFontSize1=big", "grid"}, "the value \"big\" of CFontSize1 is not of its type",
+         ""},
         {{"--set", "NoSuchKey=1", "grid"}, "unknown setting NoSuchKey", ""},
         {{"--verbose", "grid"}, "unknown option --verbose", ""},
     };
@@ -37,6 +54,8 @@ TEST(ParseCliOptions, UsageErrorsAndOverrides)
     EXPECT_EQ("gObjID", o.sets[0].first);
     EXPECT_EQ("a=b", o.sets[0].second);
     EXPECT_EQ((std::vector<std::string>{"--sql", "Select 1"}), o.commandArgs);
+    // A value is kept as its rule keeps it: the time in the form the sky routines read.
+    EXPECT_EQ("09:30", app::ParseCliOptions({"--set", "Ptime=9:30 ", "grid"}).sets.at(0).second);
 }
 
 TEST(ParseGridArgs, EveryFormAndItsUsageErrors)

@@ -41,6 +41,17 @@ protected:
     // 74 W, then the given settings and command.
     CliRun Cli(const QStringList& args, const QString& lang = "C")
     {
+        QStringList all{"--set", "cdDrive=" SELVANE_RESOURCES "/SelvPro13000.mdb",
+                        "--set", "Plat=40.5", "--set", "PLon=74", "--set", "PTz=5",
+                        "--set", "Ptime=22:00"};
+        if (lang == "C")
+            all << "--set" << "PDate=03/15/2024";
+        return Run(all + args, lang);
+    }
+
+    // Runs selvane-cli in the test's program folder with its settings file, and nothing else.
+    CliRun Run(const QStringList& args, const QString& lang = "C")
+    {
         QProcess process;
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"SELVANE_HOME", "SELVANE_SETTINGS", "LC_ALL", "LC_TIME",
@@ -48,14 +59,9 @@ protected:
             env.remove(name);
         env.insert("LANG", lang);
         process.setProcessEnvironment(env);
-        QStringList all{"--home", home.path(), "--settings", home.filePath("s.ini"),
-                        "--set", "cdDrive=" SELVANE_RESOURCES "/SelvPro13000.mdb",
-                        "--set", "Plat=40.5", "--set", "PLon=74", "--set", "PTz=5",
-                        "--set", "Ptime=22:00"};
-        if (lang == "C")
-            all << "--set" << "PDate=03/15/2024";
-        all << args;
-        process.start(SELVANE_CLI, all);
+        process.start(SELVANE_CLI,
+                      QStringList{"--home", home.path(), "--settings", home.filePath("s.ini")} +
+                          args);
         EXPECT_TRUE(process.waitForFinished(120000));
         CliRun run;
         run.exit = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
@@ -318,3 +324,86 @@ TEST_F(SelvaneCli, SqlPrintsWhatBuildRuns)
 }
 
 } // namespace
+
+namespace {
+
+struct Impossible
+{
+    const char* key;
+    const char* value;
+};
+
+// Values no clock or site has, each with every computed column on.
+const Impossible kImpossible[] = {
+    {"PDate", "02/29/2025"}, {"PDate", "11/31/2026"}, {"PDate", "13/45/2026"},
+    {"PDate", "tomorrow"},   {"Ptime", "25:99"},      {"Ptime", "ten"},
+    {"Plat", "90"},          {"Plat", "-91"},         {"Plat", "abc"},
+    {"PLon", "400"},         {"PTz", "30"},           {"PInterval", "0"},
+    {"PPre", "abc"},
+};
+
+const QStringList kEveryColumn{"--set", "Prise=Y",         "--set", "optimum=True",
+                               "--set", "ShowCharts=True", "--set", "FIRST=False"};
+
+} // namespace
+
+// --set refuses a value its key's rule refuses: the rule's message naming the key, exit 2,
+// nothing computed and nothing saved.
+TEST_F(SelvaneCli, SetRefusesWhatNoClockOrSiteHas)
+{
+    for (const Impossible& bad : kImpossible) {
+        const QString pair = QString("%1=%2").arg(bad.key, bad.value);
+        SCOPED_TRACE(pair.toStdString());
+        const CliRun run = Cli(kEveryColumn + QStringList{"--set", pair, "grid", "--count"});
+        EXPECT_EQ(run.exit, 2);
+        EXPECT_TRUE(run.lines.empty());
+        EXPECT_EQ(run.err.rfind("selvane-cli: --set " + pair.toStdString() + ": ", 0), 0u)
+            << run.err;
+        EXPECT_FALSE(QFile::exists(home.filePath("s.ini")));
+    }
+}
+
+// The same values written into the settings file by hand: the program starts, says once which
+// value reset the preferences, and loads the list on the defaults; the next start is clean.
+TEST_F(SelvaneCli, ImpossibleStoredValuesResetThePreferencesOnce)
+{
+    for (const Impossible& bad : kImpossible) {
+        SCOPED_TRACE(std::string(bad.key) + "=" + bad.value);
+        {
+            QFile ini(home.filePath("s.ini"));
+            ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
+            ini.write(QString("[Preferences]\nFIRST=False\nPrise=Y\noptimum=True\n"
+                              "ShowCharts=True\n%1=%2\n")
+                          .arg(bad.key, bad.value)
+                          .toUtf8());
+        }
+        const QStringList grid{"--set", "cdDrive=" SELVANE_RESOURCES "/SelvPro13000.mdb", "grid",
+                               "--count"};
+        const CliRun first = Run(grid);
+        EXPECT_EQ(first.exit, 0) << first.err;
+        EXPECT_EQ(first.lines, std::vector<std::string>{"110"});
+        EXPECT_EQ(first.err.rfind(std::string("[I] Preferences Reset: The setting ") + bad.key +
+                                      " held \"" + bad.value + "\", which Selvane cannot use.",
+                                  0),
+                  0u)
+            << first.err;
+        EXPECT_EQ(first.err.find("[I]"), first.err.rfind("[I]")) << first.err;
+        const CliRun second = Run(grid);
+        EXPECT_EQ(second.exit, 0);
+        EXPECT_EQ(second.err, "");
+        QFile::remove(home.filePath("s.ini"));
+    }
+}
+
+// A fresh program folder made from the shipped files starts without an error: the list of the
+// earlier logbook editions is shipped.
+TEST_F(SelvaneCli, FreshStartWritesNoErrorLog)
+{
+    const CliRun run = Cli({"grid", "--count"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    QFile log(home.filePath("errorlog.txt"));
+    if (log.open(QIODevice::ReadOnly)) {
+        EXPECT_EQ(log.readAll().toStdString(), "");
+    }
+    EXPECT_TRUE(QFile::exists(home.filePath("convertlog.txt")));
+}

@@ -185,6 +185,39 @@ TEST(CalcAltAzm, SiteOnAPoleIsTheFatalFault)
     }
 }
 
+// Regression: an object close to the zenith or the nadir on the meridian took the azimuth's
+// cosine up to 5e-12 past 1 by rounding (the division by cos(phi) cos(a)), and the arcsine
+// fault ended the program on a valid list.
+TEST(CalcAltAzm, NearTheZenithAndNadirOnTheMeridianNeverEnds)
+{
+    RecordingFaults faults;
+    int cases = 0;
+    for (double lat : {-60.0, -46.5, -12.3, 0.0, 20.0, 46.5, 70.0}) {
+        for (double hours : {0.0, 12.0}) {
+            // Upper culmination passes the zenith at dec = lat, lower the nadir at dec = -lat.
+            const double nearest = hours == 0 ? lat : -lat;
+            for (int step = -400; step <= 400; ++step) {
+                const double dec = nearest + step * 0.0025;
+                if (std::fabs(dec) >= 90)
+                    continue;
+                const astro::Dms triple = astro::SignPush(astro::ConvertFromDecimal(dec));
+                const auto place =
+                    astro::CalcAltAzm(Site(lat, 0, 0), {hours, 0, 0}, triple, faults);
+                ++cases;
+                // On the meridian the azimuth is due north or due south, to the grid's 0.01
+                // (at the zenith or nadir itself it has no meaning).
+                const double fromNorth = std::min(place.azimuth, 360 - place.azimuth);
+                if (std::abs(step) > 40) {
+                    EXPECT_TRUE(fromNorth < 0.01 || std::fabs(place.azimuth - 180) < 0.01)
+                        << lat << " " << hours << " " << dec << " gave " << place.azimuth;
+                }
+            }
+        }
+    }
+    EXPECT_GT(cases, 10000);
+    EXPECT_TRUE(faults.reports.empty());
+}
+
 TEST(RiseSet, StatusForPolesAndCircumpolarObjects)
 {
     struct Row

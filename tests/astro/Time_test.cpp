@@ -305,6 +305,12 @@ TEST(CalcASN, GuardedAtOneFatalBeyond)
     EXPECT_NEAR(astro::CalcASN(-1.0, faults), -M_PI / 2, 1e-12);
     EXPECT_NEAR(astro::CalcACS(1.0, faults), 0.0, 1e-9);
     EXPECT_NEAR(astro::CalcACS(0.5, faults), M_PI / 3, 1e-9);
+    // Rounding just past 1, as an object exactly on the meridian gives: once the fatal fault.
+    EXPECT_NEAR(astro::CalcASN(1 + 1e-13, faults), M_PI / 2, 1e-12);
+    EXPECT_NEAR(astro::CalcASN(-1 - 1e-13, faults), -M_PI / 2, 1e-12);
+    EXPECT_NEAR(astro::CalcASN(1.00000000000002, faults), M_PI / 2, 1e-12);
+    EXPECT_NEAR(astro::CalcACS(1 + 1e-12, faults), 0.0, 1e-9);
+    astro::CheckASN(-1 - 1e-12, faults);
     EXPECT_TRUE(faults.reports.empty());
 
     struct Row
@@ -312,7 +318,8 @@ TEST(CalcASN, GuardedAtOneFatalBeyond)
         double w;
         const char* shown;
     };
-    for (const Row& row : {Row{1.0000001, "1.0000001"}, Row{-1.5, "-1.5"}}) {
+    for (const Row& row : {Row{1.0000001, "1.0000001"}, Row{-1.5, "-1.5"},
+                          Row{1.00000000001, "1.00000000001"}}) {
         SCOPED_TRACE(row.shown);
         RecordingFaults fatal;
         try {

@@ -37,20 +37,38 @@ TEST(LoadPreferences, MissingSectionGivesDefaultsAndAFirstRun)
     EXPECT_EQ(0, p.rowret);
 }
 
-// One value that cannot be converted deletes the whole section: the next start is a first run
-// with every default.
+// One value that cannot be converted, or that the program cannot compute with, deletes the whole
+// section: the load says which, and the next start is a first run with every default.
 TEST(LoadPreferences, ValueThatCannotBeConvertedResetsEverything)
 {
     struct Row
     {
         const char* name;
         const char* ini;
+        const char* key; // the key reported
+        const char* stored;
+        bool ruled; // refused by a rule rather than by the conversion
     };
     const std::vector<Row> rows = {
-        {"text in a latitude", "Plat=abc\nPTz=5\nFIRST=False\nObCat=IC;\nsort1=Magnitude\n"},
-        {"empty number", "PInterval=\nFIRST=False\nPLon=71\n"},
-        {"text in a Yes/No key", "FIRST=False\nShowMilky=perhaps\n"},
-        {"integer overflow", "FIRST=False\nmaintab=40000\n"},
+        {"text in a latitude", "Plat=abc\nPTz=5\nFIRST=False\nObCat=IC;\nsort1=Magnitude\n",
+         "Plat", "abc", true},
+        {"empty number", "PInterval=\nFIRST=False\nPLon=71\n", "PInterval", "", true},
+        {"text in a Yes/No key", "FIRST=False\nShowMilky=perhaps\n", "ShowMilky", "perhaps",
+         false},
+        {"integer overflow", "FIRST=False\nmaintab=40000\n", "maintab", "40000", false},
+        {"latitude on a pole", "Plat=90\nFIRST=False\n", "Plat", "90", true},
+        {"latitude past a pole", "Plat=-91\nFIRST=False\n", "Plat", "-91", true},
+        {"no such date", "PDate=02/29/2025\nFIRST=False\n", "PDate", "02/29/2025", true},
+        {"no such month", "PDate=13/45/2026\nFIRST=False\n", "PDate", "13/45/2026", true},
+        {"a word for a date", "PDate=tomorrow\nFIRST=False\n", "PDate", "tomorrow", true},
+        {"no such time", "Ptime=25:99\nFIRST=False\n", "Ptime", "25:99", true},
+        {"a word for a time", "Ptime=ten\nFIRST=False\n", "Ptime", "ten", true},
+        {"longitude", "PLon=400\nFIRST=False\n", "PLon", "400", true},
+        {"time zone", "PTz=30\nFIRST=False\n", "PTz", "30", true},
+        {"no interval", "PInterval=0\nFIRST=False\n", "PInterval", "0", true},
+        {"precession date", "PPre=abc\nFIRST=False\n", "PPre", "abc", true},
+        {"azimuth", "PAzm3=400\nFIRST=False\n", "PAzm3", "400", true},
+        {"minimum altitude", "Pminalt=high\nFIRST=False\n", "Pminalt", "high", true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -60,13 +78,17 @@ TEST(LoadPreferences, ValueThatCannotBeConvertedResetsEverything)
         {
             data::SettingsStore store(ini);
             data::Preferences p;
-            data::LoadPreferences(p, store, f.dir);
+            const auto reset = data::LoadPreferences(p, store, f.dir);
+            ASSERT_TRUE(reset);
+            EXPECT_EQ(reset->key, row.key);
+            EXPECT_EQ(reset->stored, row.stored);
+            EXPECT_EQ(reset->why.empty(), !row.ruled);
         }
         // The store is empty now, so any later load gives all defaults.
         data::SettingsStore store(ini);
         EXPECT_FALSE(store.Get("FIRST").has_value());
         data::Preferences p;
-        data::LoadPreferences(p, store, f.dir);
+        EXPECT_FALSE(data::LoadPreferences(p, store, f.dir));
         EXPECT_TRUE(p.FIRST);
         const data::Preferences defaults = [&] {
             data::Preferences d;
@@ -90,6 +112,37 @@ TEST(LoadPreferences, ValueThatCannotBeConvertedResetsEverything)
     EXPECT_EQ("23:15", p.Ptime);
     EXPECT_DOUBLE_EQ(46.5, p.Plat);
     EXPECT_DOUBLE_EQ(6, p.PTz);
+}
+
+TEST(LoadPreferences, ValidExtremesLoadAsTheyStand)
+{
+    const char* files[] = {
+        "PDate=02/29/2024\nPtime=00:00\nPlat=89.99\nPLon=-180\nPTz=-14\nPInterval=1\n"
+        "PPre=1/1/100\nPminalt=-90\nPAzm1=0\nPAzm2=360\nRefreshTime=0\nFIRST=False\n",
+        "PDate=12/31/9999\nPtime=23:59\nPlat=-89.99\nPLon=180\nPTz=14\nPInterval=1440\n"
+        "PPre=\nPminalt=\nRefreshTime=86400\nFIRST=False\n",
+    };
+    for (const char* file : files) {
+        SCOPED_TRACE(file);
+        TestFolder f;
+        const auto ini = f.dir.File("Selvane2000.ini");
+        WriteIni(ini, file);
+        data::SettingsStore store(ini);
+        data::Preferences p;
+        EXPECT_FALSE(data::LoadPreferences(p, store, f.dir));
+        EXPECT_FALSE(p.FIRST);
+        EXPECT_EQ(store.Get("FIRST"), "False");
+    }
+}
+
+TEST(PreferencesResetText, NamesTheKeyItsValueAndTheRule)
+{
+    EXPECT_EQ(data::PreferencesResetText({"Plat", "90", "The latitude must be X."}),
+              "The setting Plat held \"90\", which Selvane cannot use. The latitude must be X. "
+              "Your preferences have been reset to their defaults.");
+    EXPECT_EQ(data::PreferencesResetText({"maintab", "40000", ""}),
+              "The setting maintab held \"40000\", which Selvane cannot use. Your preferences "
+              "have been reset to their defaults.");
 }
 
 TEST(LoadPreferences, ConvertsStoredTexts)

@@ -10,11 +10,14 @@
 #include "spread/PlanFile.h"
 #include "spread/ui/BusyUiPort.h"
 #include "spread/ui/GridModel.h"
+#include "spread/ui/FrozenTableView.h"
 #include "spread/ui/ctlSpreadFilter.h"
 
 #include "GuiApp.h"
 
+#include <QHeaderView>
 #include <QLabel>
+#include <QScrollBar>
 #include <QProgressBar>
 #include <QSplitter>
 #include <QTableView>
@@ -24,6 +27,7 @@
 #include <QAction>
 #include <QMenu>
 
+#include <cstdlib>
 #include <deque>
 #include <filesystem>
 
@@ -142,6 +146,42 @@ TEST(PlanWiring, ClickTagsRowsAndTheSavedPlanReadsBack)
     for (int row = 1; row <= 2; ++row)
         EXPECT_EQ(s.Grid(1).Text(row, 1), "X");
     EXPECT_EQ(s.window->Model(1).rowCount(), 2);
+}
+
+// The first four columns stay in view while the grid scrolls sideways, and a click on them
+// still reaches the grid: scrolled to the far right, the plan column tags a row.
+TEST(PlanWiring, FirstFourColumnsStayInViewWhenScrolledSideways)
+{
+    Screen s;
+    s.LoadMessierList();
+    auto& view = static_cast<spread::FrozenTableView&>(s.window->grdObject(0));
+    QTableView& frozen = view.FrozenView();
+    QApplication::processEvents();
+    for (int col = 0; col < view.model()->columnCount(); ++col)
+        EXPECT_EQ(frozen.isColumnHidden(col), col >= spread::kFrozenCols || view.isColumnHidden(col))
+            << col;
+    ASSERT_GT(view.horizontalScrollBar()->maximum(), 0);
+    view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
+    QApplication::processEvents();
+    EXPECT_TRUE(frozen.isVisible());
+    EXPECT_EQ(frozen.width(), view.FrozenWidth());
+    EXPECT_GT(view.FrozenWidth(), 0);
+    EXPECT_EQ(frozen.geometry().left(), view.verticalHeader()->width() + view.frameWidth());
+    // The main view's own first columns have scrolled out to the left.
+    EXPECT_LT(view.columnViewportPosition(3), 0);
+
+    const spread::Grid& grid = s.Grid(0);
+    const std::string m7(grid.Text(7, 4));
+    const QModelIndex cell = frozen.model()->index(6, 0);
+    frozen.scrollTo(cell);
+    QTest::mouseClick(frozen.viewport(), Qt::LeftButton, {}, frozen.visualRect(cell).center());
+    EXPECT_EQ(s.PlanIds(0), (std::vector<std::string>{m7}));
+    EXPECT_EQ(grid.Text(7, 1), "X");
+    if (const char* shots = std::getenv("SELVANE_SCREENSHOTS"))
+        s.window->grab().save(QString(shots) + "/frozen-columns.png");
+    // Scrolling down moves both views together.
+    view.verticalScrollBar()->setValue(view.verticalScrollBar()->value() + 10);
+    EXPECT_EQ(frozen.verticalScrollBar()->value(), view.verticalScrollBar()->value());
 }
 
 // A normal load marks the rows of the tab's plan by record id, so marks survive Refresh and

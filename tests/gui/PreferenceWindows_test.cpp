@@ -15,6 +15,7 @@
 #include <QTest>
 
 #include <fstream>
+#include <memory>
 
 #include <gtest/gtest.h>
 
@@ -100,9 +101,9 @@ TEST(frmPref7, KeptValuesSurviveTheNextStart)
 TEST(frmPref2, ChoosingAPlaceFillsTheSite)
 {
     Prefs p;
-    const std::vector<spread::Place> places = {{"Phoenix, Arizona, USA", 33.4531, 112.0739, 7},
+    const std::vector<data::Place> places = {{"Phoenix, Arizona, USA", 33.4531, 112.0739, 7},
                                                {"Sydney, NSW, Australia", -33.8667, -151.2, -10}};
-    const std::vector<spread::Place> sites = {{"Home", 46.5, 90.2, 6}};
+    const std::vector<data::Place> sites = {{"Home", 46.5, 90.2, 6}};
     spread::frmPref2 window(p.prefs, p.store, p.ui, places, sites);
     QComboBox* list = Box<QComboBox>(window, "cboLocation");
     list->setCurrentIndex(2);
@@ -115,6 +116,50 @@ TEST(frmPref2, ChoosingAPlaceFillsTheSite)
     EXPECT_TRUE(p.ui.shown.empty());
     EXPECT_DOUBLE_EQ(p.ReadBack().Plat, -33.8667);
     EXPECT_DOUBLE_EQ(p.ReadBack().PLon, -151.2);
+}
+
+// A latitude or longitude no site has, typed in the site window or the setup wizard: the rule's
+// message (kind "U"), nothing saved, and the window stays open for a correction.
+TEST(frmPref2, SiteThatCannotBeComputedIsRefusedInBothWindows)
+{
+    struct Row
+    {
+        const char* key;
+        const char* text;
+    };
+    const Row rows[] = {{"Plat", "90"}, {"Plat", "-91"}, {"Plat", "abc"}, {"Plat", ""},
+                        {"PLon", "180.5"}, {"PLon", "-400"}};
+    for (const Row& row : rows) {
+        SCOPED_TRACE(std::string(row.key) + "=" + row.text);
+        for (bool wizard : {false, true}) {
+            Prefs p;
+            const std::string folder = p.dir.path().toStdString();
+            std::ofstream(folder + "/SelvPro13000.mdb") << "x";
+            p.prefs.cdDrive = folder + "/SelvPro13000.mdb";
+            std::unique_ptr<QDialog> window;
+            if (wizard)
+                window = std::make_unique<spread::frmSetupWizard>(p.prefs, p.store, p.ui,
+                                                                  std::vector<data::Place>{});
+            else
+                window = std::make_unique<spread::frmPref2>(p.prefs, p.store, p.ui,
+                                                            std::vector<data::Place>{},
+                                                            std::vector<data::Place>{});
+            Box<QLineEdit>(*window, row.key)->setText(row.text);
+            window->show();
+            window->accept();
+            ASSERT_EQ(p.ui.shown.size(), 1u);
+            EXPECT_EQ(p.ui.shown[0].message.kind, "U");
+            EXPECT_EQ(p.ui.shown[0].Text().rfind(row.key[1] == 'l' ? "The latitude must be"
+                                                                   : "The longitude must be",
+                                                 0),
+                      0u)
+                << p.ui.shown[0].Text();
+            EXPECT_TRUE(window->isVisible());
+            EXPECT_DOUBLE_EQ(p.prefs.Plat, 46.5);
+            EXPECT_DOUBLE_EQ(p.prefs.PLon, 90.2);
+            EXPECT_FALSE(std::filesystem::exists(p.file));
+        }
+    }
 }
 
 TEST(frmSetupWizard, RefusesAFileThatIsNotTheObjectDatabase)

@@ -116,6 +116,47 @@ TEST(ComputeColumns, SwitchesSkipTheirRoutines)
     EXPECT_TRUE(faults.faults.empty());
 }
 
+// After a fault trapped in a row (a date the calendar does not have, which no rule lets through
+// any more), nothing the fault left behind reaches the arcsine: the row's later columns stay
+// empty and the load goes on. Before, CalcAltAzm was fed the faulted hour angle and ended the
+// program with "Variable W = -1.00000000000002".
+TEST(ComputeColumns, AFaultedRowLeavesItsLaterColumnsEmpty)
+{
+    RowOptions all;
+    all.Palt = all.Prise = all.optimum = all.ShowCharts = true;
+    all.plans = nullptr;
+    for (const char* date : {"02/29/2025", "11/31/2026", "13/45/2026", "tomorrow"}) {
+        SCOPED_TRACE(date);
+        for (double dec : {-89.5, -40.0, 0.0, 39.9, 40.0, 55.6, 89.9}) {
+            astro::ObservingClock clock = Site(40);
+            clock.PDate = date;
+            Position position{13, 43, 48, dec, 34, 4};
+            ComputedColumns computed;
+            RecordingSink faults;
+            EXPECT_NO_THROW(ComputeColumns(all, clock, astro::FixedClock{}, 2000, position,
+                                           computed, faults));
+            ASSERT_FALSE(faults.faults.empty());
+            EXPECT_EQ(faults.faults[0], "Module1.CalcHourAngle: Type mismatch");
+            EXPECT_TRUE(computed.cutShort);
+            EXPECT_TRUE(computed.rise.Empty());
+            EXPECT_TRUE(computed.set.Empty());
+            EXPECT_FALSE(computed.skyAtlas.Empty()); // the pages come from the stored position
+            std::string row;
+            WriteGridRow({}, false, position, computed, all, row);
+            std::vector<std::string> cells(1); // cells[1] is grid column 1
+            for (const char c : row + "\t") {
+                if (c == '\t')
+                    cells.emplace_back();
+                else
+                    cells.back().push_back(c);
+            }
+            ASSERT_GT(cells.size(), 14u) << row;
+            for (int col : {10, 11, 12, 13, 14})
+                EXPECT_EQ(cells[static_cast<std::size_t>(col)], "") << "column " << col;
+        }
+    }
+}
+
 // Altitude and azimuth come back rounded to hundredths, as the filters compare them.
 TEST(ComputeColumns, AltitudeAndAzimuthAreRoundedToHundredths)
 {

@@ -4,6 +4,8 @@
 
 #include <QTemporaryDir>
 
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -60,6 +62,9 @@ protected:
         }
         sqlite3_exec(TMM.objectDb->Handle(), "COMMIT", nullptr, nullptr, nullptr);
     }
+
+    void AfterAlternating(const std::string& id, const std::string& decDegrees,
+                          const std::string& decMinutes);
 
     std::vector<std::string> Ids() const
     {
@@ -218,27 +223,36 @@ TEST_F(LoadFixture, FaultsOfLaterBlocks)
     }
 }
 
-// The arcsine fault of the best-time search ends the process. In a later block it ends it once
-// that block is computed: the fault is reported first, and the earlier blocks' rows are in. In
-// the block computed ahead past the row limit it is dropped with the block's rows.
-TEST_F(LoadFixture, FatalFaultInALaterBlock)
+struct Ended
 {
-    struct Ended
-    {
-        int exitCode;
-    };
+    int exitCode;
+};
+
+// 249 alternating objects, then one at 13h 43.8m with the given declination texts, loaded with
+// every computed column on.
+void LoadFixture::AfterAlternating(const std::string& id, const std::string& decDegrees,
+                                   const std::string& decMinutes)
+{
     Insert(Alternating(249));
-    // An object whose altitude at one of the best-time samples takes the arcsine's argument
-    // past 1 by rounding.
     TMM.objectDb->Execute(
         "Insert Into SelvaneTable (ID, ObjectID, Catalog, ObjectType, RAhours, RAminutes, "
-        "DeclinationDegrees, DeclinationMinutes, EPOCH, Observed, HObject) Values "
-        "(250, 'IC 928', '2000', 'Gx', 13, 43.8, 55, 34.072, 2000, False, ' ')");
+        "DeclinationDegrees, DeclinationMinutes, EPOCH, Observed, HObject) Values (250, '" +
+        id + "', '2000', 'Gx', 13, 43.8, " + decDegrees + ", " + decMinutes +
+        ", 2000, False, ' ')");
     TMM.prefs.Palt = "Y";
     TMM.prefs.Prise = "Y";
     TMM.prefs.ShowCharts = true;
     TMM.prefs.PPre = "06/15/2024";
     TMM.prefs.optimum = true;
+}
+
+// The arcsine fault ends the process. A damaged record (an infinite declination) in a later
+// block ends it once that block is computed: the fault is reported first, and the earlier
+// blocks' rows are in. In the block computed ahead past the row limit it is dropped with the
+// block's rows.
+TEST_F(LoadFixture, FatalFaultInALaterBlock)
+{
+    AfterAlternating("broken", "1e999", "0");
     services::SetEndProcessHandler([](int exitCode) { throw Ended{exitCode}; });
     struct Case
     {
@@ -267,6 +281,43 @@ TEST_F(LoadFixture, FatalFaultInALaterBlock)
         }
     }
     services::SetEndProcessHandler(nullptr);
+}
+
+// Regression: an object on the meridian at a best-time sample took the arcsine's argument a few
+// units in the last place past 1 and ended the program; every row loads now.
+TEST_F(LoadFixture, RoundingOnTheMeridianLoadsEveryRow)
+{
+    AfterAlternating("IC 928", "55", "34.072");
+    services::SetEndProcessHandler([](int exitCode) { throw Ended{exitCode}; });
+    EXPECT_NO_THROW(LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock));
+    services::SetEndProcessHandler(nullptr);
+    EXPECT_EQ(grid.MaxRows(), 250);
+    EXPECT_EQ(grid.Text(250, 4), "IC 928");
+    EXPECT_FALSE(grid.Text(250, 13).empty());
+    EXPECT_TRUE(ui.shown.empty());
+}
+
+// A site on a pole (a state no preference window or settings file lets through) faults in every
+// row on every worker thread: the process still ends after one message.
+TEST_F(LoadFixture, FatalFaultOnSeveralThreadsIsReportedOnce)
+{
+    std::vector<Object> objects = Alternating(2000);
+    Insert(objects);
+    TMM.prefs.Plat = 90;
+    TMM.prefs.Palt = "Y";
+    load.blockSize = 100;
+    const std::filesystem::path log = folder.filePath("errorlog.txt").toStdString();
+    ui.SetErrorLog(log);
+    services::SetEndProcessHandler([](int exitCode) { throw Ended{exitCode}; });
+    EXPECT_THROW(LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock), Ended);
+    services::SetEndProcessHandler(nullptr);
+    TMM.QueryRunning = false;
+    ASSERT_EQ(ui.shown.size(), 1u);
+    EXPECT_NE(ui.shown[0].Text().find("Variable W = "), std::string::npos) << ui.shown[0].Text();
+    std::ifstream in(log);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    EXPECT_NE(text.find("Module1.CalcASN"), std::string::npos);
+    EXPECT_EQ(text.find("Module1.CalcASN"), text.rfind("Module1.CalcASN")) << text;
 }
 
 TEST_F(LoadFixture, MissingPositionShowsNaAndEscapesTheAltitudeFilter)
