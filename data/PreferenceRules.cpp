@@ -35,6 +35,8 @@ constexpr double kLatitudeLimit = 89.999999;
 
 const std::map<std::string, KeyRule, std::less<>>& Rules()
 {
+    constexpr KeyRule kAzimuth{Rule::ZeroWhenBlank, 0, 360,
+                               "Azimuths must be numbers of degrees from 0 to 360."};
     static const std::map<std::string, KeyRule, std::less<>> rules = {
         {"PINTERVAL",
          {Rule::WholeNumber, 1, 1440,
@@ -58,14 +60,10 @@ const std::map<std::string, KeyRule, std::less<>>& Rules()
         {"PMINALT",
          {Rule::BlankOrNumber, -90, 90,
           "The minimum altitude must be blank or a number of degrees from -90 to 90."}},
-        {"PAZM1",
-         {Rule::ZeroWhenBlank, 0, 360, "Azimuths must be numbers of degrees from 0 to 360."}},
-        {"PAZM2",
-         {Rule::ZeroWhenBlank, 0, 360, "Azimuths must be numbers of degrees from 0 to 360."}},
-        {"PAZM3",
-         {Rule::ZeroWhenBlank, 0, 360, "Azimuths must be numbers of degrees from 0 to 360."}},
-        {"PAZM4",
-         {Rule::ZeroWhenBlank, 0, 360, "Azimuths must be numbers of degrees from 0 to 360."}},
+        {"PAZM1", kAzimuth},
+        {"PAZM2", kAzimuth},
+        {"PAZM3", kAzimuth},
+        {"PAZM4", kAzimuth},
         {"PDATE",
          {Rule::BlankOrDate, 0, 0,
           "The observing date must be blank, for today, or a date of the calendar such as "}},

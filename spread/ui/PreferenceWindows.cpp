@@ -76,8 +76,8 @@ QLineEdit* AddDatabaseBox(QFormLayout* form, PreferenceForm& prefs, services::Ui
     return path;
 }
 
-void AddSiteBoxes(QFormLayout* form, PreferenceForm& prefs, const std::vector<data::Place>& locations,
-                  const std::vector<data::Place>* sites)
+void AddSiteBoxes(QFormLayout* form, PreferenceForm& prefs,
+                  const std::vector<data::Place>& locations, const std::vector<data::Place>* sites)
 {
     auto* lat = prefs.AddText(form, "Plat", "Latitude (degrees, north positive)");
     auto* lon = prefs.AddText(form, "PLon", "Longitude (degrees, west positive)");
@@ -157,7 +157,8 @@ data::PreferenceEdits PreferenceForm::Edits() const
 bool PreferenceForm::Keep()
 {
     data::Preferences changed = prefs_;
-    if (const auto problem = data::ApplyPreferenceEdits(changed, Edits(), data::RegionalOf(prefs_))) {
+    if (const auto problem =
+            data::ApplyPreferenceEdits(changed, Edits(), data::RegionalOf(prefs_))) {
         ui_.ShowMessage(problem->text, data::InvalidEntryTitle, "U");
         for (const Field& field : fields_)
             if (field.key == problem->key)

@@ -7,7 +7,6 @@
 #include "spread/Grid.h"
 #include "spread/Spreadsheet.h"
 #include "spread/ui/BusyUiPort.h"
-#include "spread/ui/FrozenTableView.h"
 #include "spread/ui/GridModel.h"
 #include "spread/ui/PreferenceWindows.h"
 #include "spread/ui/ctlSpreadFilter.h"
@@ -399,7 +398,8 @@ void frmMainScreen::FillListActions()
         {"herschelshow", Kind::Herschel3, data::Herschel3},
     };
     for (const auto& [key, kind, list] : lists)
-        dispatcher_->SetAction(key, [this, kind = kind, list = list] { ShowFixedList(kind, list); });
+        dispatcher_->SetAction(key,
+                               [this, kind = kind, list = list] { ShowFixedList(kind, list); });
     dispatcher_->SetAction("refresh", [this] {
         RunLoad([this] {
             GridLoad load;

@@ -406,7 +406,8 @@ TEST(FindBestTimeToObserve, RealTimeTakesOnlyTheDateFromTheComputer)
         astro::ObservingClock planned = Site(-12.5, -130.8, -9.5, "03/15/2024", "05:00");
         planned.timesAMPM = ampm;
         RecordingFaults faults;
-        const astro::BestTime got = astro::FindBestTimeToObserve(real, kComputer, ra, dec, 15, faults);
+        const astro::BestTime got =
+            astro::FindBestTimeToObserve(real, kComputer, ra, dec, 15, faults);
         const astro::BestTime expected =
             astro::FindBestTimeToObserve(planned, kComputer, ra, dec, 15, faults);
         EXPECT_NE(got.bestTime, "n/a");

@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 
 #include <fstream>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -15,49 +16,50 @@ TEST(CheckPreference, EachRuleAtItsLimits)
     struct Row
     {
         const char* key;
-        const char* text;
-        bool accepted;
+        std::vector<const char*> accepted, refused;
     };
     const Row rows[] = {
-        {"PInterval", "10", true},     {"PInterval", "0", false},      {"PInterval", "1", true},
-        {"PInterval", "1440", true},   {"PInterval", "1441", false},   {"PInterval", "2.5", false},
-        {"PInterval", "", false},      {"PInterval", "ten", false},    {"PInterval", "-5", false},
-        {"RefreshTime", "0", true},    {"RefreshTime", "-1", false},   {"RefreshTime", "86400", true},
-        {"Plat", "89.99", true},       {"Plat", "-89.99", true},       {"Plat", "0", true},
-        {"Plat", "90", false},         {"Plat", "-90", false},         {"Plat", "-91", false},
-        {"Plat", "abc", false},        {"Plat", "", false},            {"Plat", "nan", false},
-        {"PLon", "-180", true},        {"PLon", "180", true},          {"PLon", "180.5", false},
-        {"PLon", "400", false},        {"PTz", "-5.5", true},          {"PTz", "14", true},
-        {"PTz", "-14", true},          {"PTz", "15", false},           {"PTz", "30", false},
-        {"Pminalt", "", true},         {"Pminalt", "0", true},         {"Pminalt", "x", false},
-        {"Pminalt", "-90", true},      {"Pminalt", "91", false},       {"PAzm1", "360", true},
-        {"PAzm4", "361", false},       {"PAzm2", "-1", false},         {"PDate", "", true},
-        {"PDate", "11/21/2026", true}, {"PDate", "2/30/2026", false},  {"PDate", "2026-02-28", true},
-        {"PDate", "02/29/2024", true}, {"PDate", "02/29/2025", false}, {"PDate", "2/29/1900", false},
-        {"PDate", "2/29/2000", true},  {"PDate", "1/1/100", true},     {"PDate", "12/31/9999", true},
-        {"PDate", "1/1/10000", false}, {"PDate", "11/31/2026", false}, {"PDate", "13/45/2026", false},
-        {"PDate", "tomorrow", false},  {"PPre", "13/1/2000", false},   {"PPre", "", true},
-        {"PPre", "1/1/2000", true},    {"Ptime", "22:00", true},       {"Ptime", "00:00", true},
-        {"Ptime", "23:59", true},      {"Ptime", "24:00", false},      {"Ptime", "25:99", false},
-        {"Ptime", "ten", false},       {"Ptime", "", false},           {"speed1", "True", true},
-        {"Palt", "N", true},           {"ptz", "30", false}, // keys in any case
+        {"PInterval", {"10", "1", "1440"}, {"0", "1441", "2.5", "", "ten", "-5"}},
+        {"RefreshTime", {"0", "86400"}, {"-1"}},
+        {"Plat", {"89.99", "-89.99", "0"}, {"90", "-90", "-91", "abc", "", "nan"}},
+        {"PLon", {"-180", "180"}, {"180.5", "400"}},
+        {"PTz", {"-5.5", "14", "-14"}, {"15", "30"}},
+        {"Pminalt", {"", "0", "-90"}, {"x", "91"}},
+        {"PAzm1", {"360"}, {}},
+        {"PAzm4", {}, {"361"}},
+        {"PAzm2", {}, {"-1"}},
+        {"PDate",
+         {"", "11/21/2026", "2026-02-28", "02/29/2024", "2/29/2000", "1/1/100", "12/31/9999"},
+         {"2/30/2026", "02/29/2025", "2/29/1900", "1/1/10000", "11/31/2026", "13/45/2026",
+          "tomorrow"}},
+        {"PPre", {"", "1/1/2000"}, {"13/1/2000"}},
+        {"Ptime", {"22:00", "00:00", "23:59"}, {"24:00", "25:99", "ten", ""}},
+        {"speed1", {"True"}, {}},
+        {"Palt", {"N"}, {}},
+        {"ptz", {}, {"30"}}, // keys in any case
     };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(std::string(row.key) + " = \"" + row.text + "\"");
+    auto expect = [](const char* key, const char* text, bool accepted) {
+        SCOPED_TRACE(std::string(key) + " = \"" + text + "\"");
         for (data::RuleSource source : {data::RuleSource::Typed, data::RuleSource::Stored}) {
             const data::RuleVerdict verdict =
-                data::CheckPreference(row.key, row.text, services::vb::Regional{}, source);
-            EXPECT_EQ(verdict.kept.has_value(), row.accepted);
-            EXPECT_EQ(verdict.message.empty(), row.accepted);
+                data::CheckPreference(key, text, services::vb::Regional{}, source);
+            EXPECT_EQ(verdict.kept.has_value(), accepted);
+            EXPECT_EQ(verdict.message.empty(), accepted);
         }
         data::Preferences prefs;
         const data::Preferences before = prefs;
-        const auto problem = data::ApplyPreferenceEdits(prefs, {{row.key, row.text}});
-        EXPECT_EQ(!problem.has_value(), row.accepted);
+        const auto problem = data::ApplyPreferenceEdits(prefs, {{key, text}});
+        EXPECT_EQ(!problem.has_value(), accepted);
         if (problem) {
-            EXPECT_EQ(problem->key, row.key);
-            EXPECT_EQ(data::GetPreference(prefs, row.key), data::GetPreference(before, row.key));
+            EXPECT_EQ(problem->key, key);
+            EXPECT_EQ(data::GetPreference(prefs, key), data::GetPreference(before, key));
         }
+    };
+    for (const Row& row : rows) {
+        for (const char* text : row.accepted)
+            expect(row.key, text, true);
+        for (const char* text : row.refused)
+            expect(row.key, text, false);
     }
 }
 

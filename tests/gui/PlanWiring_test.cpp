@@ -158,7 +158,8 @@ TEST(PlanWiring, FirstFourColumnsStayInViewWhenScrolledSideways)
     QTableView& frozen = view.FrozenView();
     QApplication::processEvents();
     for (int col = 0; col < view.model()->columnCount(); ++col)
-        EXPECT_EQ(frozen.isColumnHidden(col), col >= spread::kFrozenCols || view.isColumnHidden(col))
+        EXPECT_EQ(frozen.isColumnHidden(col),
+                  col >= spread::kFrozenCols || view.isColumnHidden(col))
             << col;
     ASSERT_GT(view.horizontalScrollBar()->maximum(), 0);
     view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
