@@ -3,12 +3,14 @@
 //   selvane-cli [--home DIR] [--settings FILE] [--set KEY=VALUE]... COMMAND [ARGS]
 //
 // Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
-// SQL and ORDER BY texts).
+// SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/CliOptions.h"
+#include "app/EquipmentCommand.h"
 #include "app/GridCommand.h"
+#include "app/LogCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -58,6 +60,22 @@ const std::map<std::string, Command>& Commands()
               return app::RunSqlCommand(TMM, start, std::cout);
           },
           app::SqlUsage}},
+        {"log",
+         {app::CheckLogArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunLogCommand(TMM, start, args, std::cout, clock);
+          },
+          app::LogUsage}},
+        {"equipment",
+         {app::CheckEquipmentArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunEquipmentCommand(TMM.ui, TMM.dir, TMM.logbookDb.get(),
+                                              data::RegionalOf(TMM.prefs), args, std::cout);
+          },
+          app::EquipmentUsage}},
     };
     return commands;
 }

@@ -1,5 +1,6 @@
 // selvane: the program with its windows.
 
+#include "app/LogbookWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -69,6 +70,7 @@ int main(int argc, char* argv[])
     spread::frmMainScreen window(state, ui, windowHooks);
     windowPointer = &window;
     ui.SetParent(&window);
+    app::WireLogbook(window, state, ui, clock, state.current);
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)

@@ -3,6 +3,7 @@
 #include "services/Fault.h"
 
 #include <string>
+#include <string_view>
 
 namespace data {
 
@@ -71,11 +72,14 @@ CREATE INDEX IF NOT EXISTS CatalogLookup_Name ON CatalogLookup (CatalogName);
     return sql;
 }
 
+// Deliberate: Logbook numbers its entries with AUTOINCREMENT, so that a number is never given
+// twice, not even that of a deleted last entry: a number kept in LastLogEntry, a plan or a
+// report never comes to name a later observation.
 std::string LogbookSql()
 {
     std::string sql = R"(
 CREATE TABLE IF NOT EXISTS Logbook (
-    ObservationNumber INTEGER PRIMARY KEY,
+    ObservationNumber INTEGER PRIMARY KEY AUTOINCREMENT,
     ObjectID TEXT COLLATE NOCASE,
     Catalog TEXT COLLATE NOCASE,
     DateObserved TEXT COLLATE NOCASE,
@@ -93,6 +97,8 @@ CREATE TABLE IF NOT EXISTS Logbook (
     LogType TEXT COLLATE NOCASE);
 CREATE INDEX IF NOT EXISTS Logbook_Object ON Logbook (ObjectID, Catalog);
 CREATE INDEX IF NOT EXISTS Logbook_LogType ON Logbook (LogType);
+-- The log grid lists the newest nights first.
+CREATE INDEX IF NOT EXISTS Logbook_Date ON Logbook (DateObserved);
 
 CREATE TABLE IF NOT EXISTS CCDLog (
     ObservationNumber INTEGER,
@@ -150,6 +156,13 @@ CREATE TABLE IF NOT EXISTS LastLogEntry (
     PictureRating TEXT COLLATE NOCASE,
     Notes TEXT COLLATE NOCASE,
     sessiontext TEXT COLLATE NOCASE);
+
+-- The night's faintest star and sky-quality-meter reading, one row per date beside SessionLog.
+CREATE TABLE IF NOT EXISTS SessionSky (
+    SessionDate TEXT COLLATE NOCASE,
+    FaintestStar TEXT COLLATE NOCASE,
+    SkyQuality TEXT COLLATE NOCASE);
+CREATE INDEX IF NOT EXISTS SessionSky_Date ON SessionSky (SessionDate);
 
 CREATE TABLE IF NOT EXISTS PerLogType (
     LogType TEXT COLLATE NOCASE,
@@ -278,9 +291,59 @@ std::string SqlFor(SchemaKind kind)
 
 } // namespace
 
+namespace {
+
+constexpr const char* LogbookColumns =
+    "ObservationNumber, ObjectID, Catalog, DateObserved, TimeObserved, LocationObserved, "
+    "EquipmentUsed, OtherEquipment, Seeing, Transparency, Rating, ShortDescription, "
+    "ObservationText, SeenFlag, DataRec, LogType";
+
+bool LogbookNeedsNumbering(sqlite3* db)
+{
+    sqlite3_stmt* stmt = nullptr;
+    bool needs = false;
+    if (sqlite3_prepare_v2(db,
+                           "SELECT sql FROM sqlite_master WHERE type = 'table' AND name = 'Logbook'",
+                           -1, &stmt, nullptr) == SQLITE_OK &&
+        sqlite3_step(stmt) == SQLITE_ROW) {
+        const auto* text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0));
+        needs = text && std::string_view(text).find("AUTOINCREMENT") == std::string_view::npos;
+    }
+    sqlite3_finalize(stmt);
+    return needs;
+}
+
+// A logbook of an earlier build numbered its entries by the highest row alone, so a deleted
+// last entry's number came back. Its Logbook table is rebuilt to count on from the highest
+// number any table still holds.
+std::string LogbookNumberingSql()
+{
+    const std::string columns = LogbookColumns;
+    const std::string values =
+        "ObservationNumber, ObjectID, Catalog, DateObserved, TimeObserved, LocationObserved, "
+        "EquipmentUsed, OtherEquipment, Seeing, Transparency, Rating, ShortDescription, "
+        "ObservationText, ifnull(SeenFlag, 0), ifnull(DataRec, 0), LogType";
+    return "ALTER TABLE Logbook RENAME TO Logbook_earlier;\n" + LogbookSql() +
+           "INSERT INTO Logbook (" + columns + ") SELECT " + values +
+           " FROM Logbook_earlier;\n"
+           "DROP TABLE Logbook_earlier;\n"
+           "DELETE FROM sqlite_sequence WHERE name = 'Logbook';\n"
+           "INSERT INTO sqlite_sequence (name, seq) SELECT 'Logbook', max(n) FROM ("
+           "SELECT max(ObservationNumber) AS n FROM Logbook UNION ALL "
+           "SELECT max(ObservationNumber) FROM CCDLog UNION ALL "
+           "SELECT max(ObservationNumber) FROM ImageLog UNION ALL "
+           "SELECT max(ObservationNumber) FROM LastLogEntry) WHERE n IS NOT NULL "
+           "HAVING max(n) IS NOT NULL;\n";
+}
+
+} // namespace
+
 void CreateSchema(sqlite3* db, SchemaKind kind)
 {
-    const std::string sql = "BEGIN;\n" + SqlFor(kind) + "\nCOMMIT;";
+    std::string body = SqlFor(kind);
+    if (kind == SchemaKind::Logbook && LogbookNeedsNumbering(db))
+        body = LogbookNumberingSql() + body;
+    const std::string sql = "BEGIN;\n" + body + "\nCOMMIT;";
     char* error = nullptr;
     if (sqlite3_exec(db, sql.c_str(), nullptr, nullptr, &error) != SQLITE_OK) {
         std::string message = error ? error : sqlite3_errmsg(db);

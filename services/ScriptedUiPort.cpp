@@ -17,10 +17,12 @@ void ScriptedUiPort::DisplayMessage(const Message& message)
 bool ScriptedUiPort::Ask(const std::string& question, const std::string& title, bool defaultNo)
 {
     asked.push_back(question);
+    if (echo)
+        std::cerr << "[?] " << title << ": " << question << "\n";
     if (answers.empty()) {
         if (strict)
             throw Fault("Unanswered question: " + title + ": " + question, "ScriptedUiPort.Ask");
-        return !defaultNo;
+        return unansweredYes.value_or(!defaultNo);
     }
     const bool yes = answers.front();
     answers.pop_front();

@@ -5,6 +5,7 @@
 #include "services/UiPort.h"
 
 #include <deque>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -25,6 +26,8 @@ public:
     std::deque<std::string> fileAnswers;  // AskSaveFile, AskOpenFile, AskFolder
     std::deque<std::string> inputAnswers; // InputBox
     bool strict = false;
+    // The answer to a question when the queue is empty; unset: the question's default.
+    std::optional<bool> unansweredYes;
     bool echo = true; // write shown messages to stderr
     // Pump() reports a cancel once this many calls have been made since Busy(); -1 never.
     int cancelAfterPumps = -1;

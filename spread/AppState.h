@@ -2,6 +2,7 @@
 // The application state shared by the windows and routines (reached as TMM where the routines
 // expect it): one object, created by main and passed on as AppState&; tests create their own.
 
+#include "data/CurrentObject.h"
 #include "data/Database.h"
 #include "data/ObjectFilter.h"
 #include "data/Preferences.h"
@@ -94,6 +95,9 @@ struct AppState
     bool NoLoadYet = true;
     // The real-time timer is to be armed again on the next tick of Timer2.
     bool RealTimeRearm = false;
+
+    // The object the spreadsheet leaves for the logbook windows before opening one.
+    data::CurrentObject current;
 
     StatusBand status;
     FilterControls controls;

@@ -1,6 +1,8 @@
 // selvane-cli grid, plan and sql run as a program on the built small edition (SelvPro13000.mdb)
 // and the full one (SelvPro708000.mdb), in a fresh program folder with its own settings file.
 
+#include "CliRunner.h"
+
 #include <gtest/gtest.h>
 
 #include <QProcess>
@@ -14,25 +16,8 @@
 
 namespace {
 
-struct CliRun
-{
-    int exit = -1;
-    std::vector<std::string> lines;
-    std::string err;
-};
-
-std::vector<std::string> Split(const std::string& text, char separator)
-{
-    std::vector<std::string> parts;
-    std::size_t start = 0;
-    for (;;) {
-        const std::size_t end = text.find(separator, start);
-        parts.push_back(text.substr(start, end - start));
-        if (end == std::string::npos)
-            return parts;
-        start = end + 1;
-    }
-}
+using clitest::CliRun;
+using clitest::Split;
 
 class SelvaneCli : public ::testing::Test
 {
@@ -52,26 +37,7 @@ protected:
     // Runs selvane-cli in the test's program folder with its settings file, and nothing else.
     CliRun Run(const QStringList& args, const QString& lang = "C")
     {
-        QProcess process;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        for (const char* name : {"SELVANE_HOME", "SELVANE_SETTINGS", "LC_ALL", "LC_TIME",
-                                 "LC_NUMERIC", "LANGUAGE"})
-            env.remove(name);
-        env.insert("LANG", lang);
-        process.setProcessEnvironment(env);
-        process.start(SELVANE_CLI,
-                      QStringList{"--home", home.path(), "--settings", home.filePath("s.ini")} +
-                          args);
-        EXPECT_TRUE(process.waitForFinished(120000));
-        CliRun run;
-        run.exit = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1;
-        std::string out = process.readAllStandardOutput().toStdString();
-        if (!out.empty() && out.back() == '\n')
-            out.pop_back();
-        if (!out.empty())
-            run.lines = Split(out, '\n');
-        run.err = process.readAllStandardError().toStdString();
-        return run;
+        return clitest::RunCli(home.path(), args, lang);
     }
 
     QTemporaryDir home;

@@ -31,12 +31,22 @@ public:
     std::deque<std::string> inputAnswers;
     std::deque<std::string> saveAnswers;
     std::vector<std::string> prompts;
+    // Answers to the Yes/No questions, in order, and the questions asked.
+    std::deque<bool> askAnswers;
+    std::vector<std::string> questions;
+    std::deque<std::string> openAnswers;
 
     void DisplayMessage(const services::Message& message) override { shown.push_back(message); }
     bool Ask(const std::string& question, const std::string&, bool) override
     {
-        ADD_FAILURE() << "Unexpected question: " << question;
-        return false;
+        questions.push_back(question);
+        if (askAnswers.empty()) {
+            ADD_FAILURE() << "Unexpected question: " << question;
+            return false;
+        }
+        const bool answer = askAnswers.front();
+        askAnswers.pop_front();
+        return answer;
     }
     std::string InputBox(const std::string& prompt, const std::string& title,
                          const std::string& defaultText) override
@@ -51,8 +61,7 @@ public:
     }
     std::string AskOpenFile(const std::string&, const std::string&) override
     {
-        ADD_FAILURE() << "Unexpected open dialog";
-        return {};
+        return Next(openAnswers, "open dialog");
     }
 
 private:
