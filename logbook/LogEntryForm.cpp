@@ -370,9 +370,20 @@ std::string LogEntryForm::DateCell(std::string_view stored) const
     for (const char* fixed : {"d.MM.yy", "d/M/yyyy", "dd. M. yy"})
         if (vb::SameText(pattern, fixed))
             return std::string(stored);
+    return ShownDate(stored);
+}
+
+std::string LogEntryForm::ShownDate(std::string_view stored) const
+{
     const QDate date = QDate::fromString(
         QString::fromUtf8(stored.data(), static_cast<int>(stored.size())), Qt::ISODate);
-    return date.isValid() ? vb::ShortDate(date, regional) : std::string(stored);
+    return date.isValid() ? vb::ShortDate(date, Regional()) : std::string(stored);
+}
+
+std::string LogEntryForm::SessionDateLiteral() const
+{
+    return "#" +
+           vb::DateForSql(vb::ParseDate(f.mskDate, Regional()).value_or(QDate()), Regional()) + "#";
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -769,10 +780,7 @@ void LogEntryForm::UpdateCCDLog()
 void LogEntryForm::UpdateSessionLog()
 {
     Trap("UpdateSessionLog", [&] {
-        const std::string literal =
-            "#" +
-            vb::DateForSql(vb::ParseDate(f.mskDate, Regional()).value_or(QDate()), Regional()) +
-            "#";
+        const std::string literal = SessionDateLiteral();
         auto rs =
             ctx_.logbook->OpenRecordset("Select * From SessionLog where SessionDate = " + literal);
         if (rs.Eof())
@@ -944,10 +952,7 @@ bool LogEntryForm::cmdLastEntry_Click()
         lblObNo = rs.Fields("ObservationNumber").Value();
         f.txtObjectID = rs.Fields("ObjectID").Value();
         f.cboCatalog = data::GetCatalogName(catalogs_, rs.Fields("Catalog").Text());
-        const QDate date = QDate::fromString(
-            QString::fromStdString(rs.Fields("DateObserved").Value()), Qt::ISODate);
-        f.mskDate =
-            date.isValid() ? vb::ShortDate(date, Regional()) : rs.Fields("DateObserved").Value();
+        f.mskDate = ShownDate(rs.Fields("DateObserved").Text());
         f.mskTime = rs.Fields("TimeObserved").Value();
         f.txtLocation = rs.Fields("LocationObserved").Value();
         f.cboTransparency = rs.Fields("Transparency").Value();
@@ -998,10 +1003,7 @@ void LogEntryForm::LoadSessionRow()
     if (!ctx_.logbook)
         return;
     Trap("GetLogRecord", [&] {
-        const std::string literal =
-            "#" +
-            vb::DateForSql(vb::ParseDate(f.mskDate, Regional()).value_or(QDate()), Regional()) +
-            "#";
+        const std::string literal = SessionDateLiteral();
         auto session = ctx_.logbook->OpenRecordset(
             "Select * From SessionLog where SessionDate = " + literal, data::Snapshot);
         if (!session.Eof())
@@ -1029,10 +1031,7 @@ void LogEntryForm::GetLogRecord()
         const std::string catalogId = rs.Fields("Catalog").Value();
         f.cboCatalog = data::GetCatalogName(catalogs_, catalogId);
         f.txtObjectID = rs.Fields("ObjectID").Value();
-        const QDate date = QDate::fromString(
-            QString::fromStdString(rs.Fields("DateObserved").Value()), Qt::ISODate);
-        f.mskDate =
-            date.isValid() ? vb::ShortDate(date, Regional()) : rs.Fields("DateObserved").Value();
+        f.mskDate = ShownDate(rs.Fields("DateObserved").Text());
         f.mskTime = rs.Fields("TimeObserved").Value();
         f.txtLocation = Shown(rs.Fields("LocationObserved"));
         f.cboTransparency = Shown(rs.Fields("Transparency"));

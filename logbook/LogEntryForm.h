@@ -240,6 +240,10 @@ private:
     std::string StoredDate() const; // mskDate as YYYY-MM-DD, or as typed when no date
     std::string StoredTime() const;
     std::string DateCell(std::string_view stored) const;
+    // A stored date (YYYY-MM-DD) in the regional short form; any other text as it stands.
+    std::string ShownDate(std::string_view stored) const;
+    // mskDate as the #...# literal the session tables are looked up by.
+    std::string SessionDateLiteral() const;
 };
 
 // A text on one line of tab-separated output: backslash, tab, CR and LF written \\ \t \r \n.
