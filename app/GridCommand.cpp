@@ -8,9 +8,6 @@
 
 namespace app {
 
-namespace {
-
-// Header line and rows, tab-separated, as the load wrote them.
 int PrintGrid(spread::Grid& grid, std::ostream& out)
 {
     // A list without rows is never formatted; its headers are still those of a format.
@@ -30,8 +27,6 @@ int PrintGrid(spread::Grid& grid, std::ostream& out)
     out.flush();
     return out ? 0 : 1;
 }
-
-} // namespace
 
 GridArgs ParseGridArgs(const std::vector<std::string>& args)
 {

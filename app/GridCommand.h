@@ -33,6 +33,10 @@ struct GridArgs
 
 GridArgs ParseGridArgs(const std::vector<std::string>& args);
 
+// The grid as the commands print it: the header line, then the rows, tab-separated.
+// Returned: 0; 1 when the output could not be written.
+int PrintGrid(spread::Grid& grid, std::ostream& out);
+
 // Runs the command on the state LoadForm left (tab 0 holds the start list).
 // Returned: the exit status: 0 when the list was loaded, even with no rows; 1 when the object
 //   database is not open or the query failed (the port has shown why); 2 on a usage error.

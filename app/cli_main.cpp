@@ -3,7 +3,8 @@
 //   selvane-cli [--home DIR] [--settings FILE] [--set KEY=VALUE]... COMMAND [ARGS]
 //
 // Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
-// SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists).
+// SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists),
+// whatsup (the What's Up wizard), constellation (the constellation of a position).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -11,6 +12,7 @@
 #include "app/EquipmentCommand.h"
 #include "app/GridCommand.h"
 #include "app/LogCommand.h"
+#include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -76,6 +78,14 @@ const std::map<std::string, Command>& Commands()
                                               data::RegionalOf(TMM.prefs), args, std::cout);
           },
           app::EquipmentUsage}},
+        {"whatsup",
+         {app::CheckWhatsUpArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunWhatsUpCommand(TMM, start, args, std::cout, clock);
+          },
+          app::WhatsUpUsage}},
     };
     return commands;
 }

@@ -336,6 +336,14 @@ SqlSelect BuildSQLSelectString(const ObjectFilter& filter, const FilterLookups& 
     return select;
 }
 
+SqlSelect WizardSQLSelectString(const ObjectFilter& filter, const FilterLookups& lookups)
+{
+    BuildLimits wizard;
+    wizard.emptyMagnitudeUpper = "99";
+    wizard.withRanges = false;
+    return BuildSQLSelectString(filter, lookups, wizard);
+}
+
 ObjectFilter FilterFromPreferences(const Preferences& p)
 {
     ObjectFilter f;
@@ -525,6 +533,39 @@ FixedList Herschel3()
 {
     return {"Herschel Objects",
             "Select * From SelvaneTable Where Catalog = '2000' and HOBJECT <> ''"};
+}
+
+namespace {
+
+// A fixed list's SQL without its ORDER BY, limited by magnitude and size, then ordered anew.
+std::string WhatsUpSql(const std::string& listSql, std::string_view maxMag,
+                       std::string_view maxSize, std::string_view orderBy)
+{
+    std::string sql = listSql;
+    if (const size_t order = vb::UCase(sql).find(" ORDER BY "); order != std::string::npos)
+        sql.erase(order);
+    if (!IsBlank(maxMag))
+        sql += " and Magnitude <= " + Number(maxMag);
+    if (!IsBlank(maxSize))
+        sql += " and ObjectSize <= " + Number(maxSize);
+    if (!orderBy.empty())
+        sql += " " + std::string(orderBy);
+    return sql;
+}
+
+} // namespace
+
+FixedList WhatsUpMessierList(std::string_view maxMag, std::string_view maxSize,
+                             std::string_view orderBy)
+{
+    return {"What's Up - Messier Objects",
+            WhatsUpSql(ShowMessierList().SQL, maxMag, maxSize, orderBy)};
+}
+
+FixedList WhatsUpHerschelList(std::string_view maxMag, std::string_view maxSize,
+                              std::string_view orderBy)
+{
+    return {"What's Up - Herschel", WhatsUpSql(Herschel3().SQL, maxMag, maxSize, orderBy)};
 }
 
 std::optional<Refusal> CheckFixedList(FixedListKind kind, int currTab, bool databaseOnCd)

@@ -118,6 +118,15 @@ struct BuildLimits
 SqlSelect BuildSQLSelectString(const ObjectFilter& filter, const FilterLookups& lookups,
                                const BuildLimits& limits = {});
 
+// WizardComplete's SQL: the What's Up wizard's selections, magnitudes and sort levels.
+// Given: filter, the wizard's values (ObCat, Obcon, Obtod, gMagL, gMagU, gMagL2, gMagU2, PIB,
+//   PIB2, sort1..sort3, Des1..Des3; every other member is ignored); lookups, as for
+//   BuildSQLSelectString.
+// Returned: the text BuildSQLSelectString makes, up to magnitude 2 and then the ORDER BY: an
+//   empty upper magnitude box reads 99, and no double-star, size, separation, position angle,
+//   right ascension, declination or id clause is written.
+SqlSelect WizardSQLSelectString(const ObjectFilter& filter, const FilterLookups& lookups);
+
 // The three sort levels' ORDER BY text, as BuildSQLSelectString appends it: "ORDER BY
 // Magnitude Asc,  ObjectID Desc", or empty.
 std::string BuildOrderBy(const ObjectFilter& filter);
@@ -185,6 +194,15 @@ FixedList Messier3();
 FixedList Herschel1();
 FixedList Herschel2();
 FixedList Herschel3();
+
+// The What's Up lists without the wizard's pages (Wiz2, Wiz3): the Messier list's or the
+// Herschel list's SQL without its ORDER BY, with " and Magnitude <= " maxMag when maxMag is not
+// blank, " and ObjectSize <= " maxSize when maxSize is not blank (both written as numbers, so a
+// text reads 0), then orderBy (BuildOrderBy's text) after a blank when it is not empty.
+FixedList WhatsUpMessierList(std::string_view maxMag, std::string_view maxSize,
+                             std::string_view orderBy);
+FixedList WhatsUpHerschelList(std::string_view maxMag, std::string_view maxSize,
+                              std::string_view orderBy);
 
 enum class FixedListKind {
     ShowMessierList,

@@ -179,6 +179,8 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("Pmsorto", "Pmsorto", p.Pmsorto, S("A"));
     visit("PsSort", "PsSort", p.PsSort, S("1"));
     visit("Pssorto", "Pssorto", p.Pssorto, S("A"));
+    visit("wuw", "wuw", p.wuw, false);
+    visit("wizapppref", "wizapppref", p.wizapppref, false);
 
     visit("DriverType", "DriverType", p.DriverType, S("ASCOM"));
     visit("telescopetype", "telescopetype", p.telescopetype, S());

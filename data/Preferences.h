@@ -70,6 +70,8 @@ struct Preferences
 
     // What's Up.
     std::string PmSort = "4", Pmsorto = "A", PsSort = "1", Pssorto = "A";
+    bool wuw = false;        // the What's Up wizard has been opened
+    bool wizapppref = false; // the wizard's values stay in force after Finish
 
     // Telescope.
     std::string DriverType = "ASCOM";

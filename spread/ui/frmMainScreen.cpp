@@ -6,10 +6,12 @@
 #include "spread/AppState.h"
 #include "spread/Grid.h"
 #include "spread/Spreadsheet.h"
+#include "spread/WhatsUpWizard.h"
 #include "spread/ui/BusyUiPort.h"
 #include "spread/ui/GridModel.h"
 #include "spread/ui/PreferenceWindows.h"
 #include "spread/ui/ctlSpreadFilter.h"
+#include "spread/ui/frmWhatsUpWizard.h"
 
 #include <QAction>
 #include <QApplication>
@@ -336,6 +338,10 @@ void frmMainScreen::FillActions()
     for (const char* key : {"date", "geographic", "Spreadsheet", "misc"})
         give(key, [this, key] { ShowPreferenceWindow(key); });
     give("setupwizard", [this] { ShowSetupWizard(); });
+    for (const char* key : {"wiz1", "tolWUW"})
+        give(key, [this] { ShowWhatsUpWizard(); });
+    give("wiz2", [this] { ShowWhatsUpList(false); });
+    give("wiz3", [this] { ShowWhatsUpList(true); });
     give("rpref", [this] {
         ui_.ShowMessage("Please run the RESET PREFERENCES from the WINDOWS START ---> PROGRAMS "
                         "---> Selvane2000 menu",
@@ -922,6 +928,31 @@ bool frmMainScreen::ShowSetupWizard()
                        [&] { locations = data::LoadLocationList(*state_.logbookDb); });
     frmSetupWizard wizard(state_.prefs, state_.settings, ui_, locations, this);
     return wizard.exec() == QDialog::Accepted;
+}
+
+void frmMainScreen::ShowWhatsUpWizard()
+{
+    state_.CurrTab = CurrTab();
+    if (!DatabaseOpen())
+        return;
+    WizardHooks hooks;
+    hooks.LoadTheGrid = [this] { LoadCurrentTab("NO BUILD"); };
+    hooks.RefreshPref = [this] { filter_->RefreshPref(); };
+    frmWhatsUpWizard wizard(state_, ComputerClock(), std::move(hooks), this);
+    wizard.exec();
+    // Cancel keeps what the pages took before it, so the panel shows that too.
+    filter_->RefreshPref();
+    UpdateStatusBar(state_, ComputerClock());
+    ShowStatusBand();
+}
+
+void frmMainScreen::ShowWhatsUpList(bool herschel)
+{
+    state_.CurrTab = CurrTab();
+    if (state_.CurrTab < kGridTabs && !DatabaseOpen())
+        return;
+    const auto load = [this] { LoadCurrentTab("NOBUILD"); };
+    herschel ? Wiz3(state_, load) : Wiz2(state_, load);
 }
 
 void frmMainScreen::CloseApplication()

@@ -141,6 +141,11 @@ public:
     // The preference windows, modal over the main window; true when OK kept the values.
     bool ShowPreferenceWindow(const std::string& key);
     bool ShowSetupWizard();
+    // wiz1 and tolWUW: the What's Up wizard, modal over the window, on the current tab; the
+    // filter panel and the status band show afterwards what stays in force.
+    void ShowWhatsUpWizard();
+    // wiz2 and wiz3: the What's Up list of the Messier or the Herschel objects on the tab.
+    void ShowWhatsUpList(bool herschel);
 
     // The real-time timers: stopped while a grid loads, started again after it.
     void StopTimers();
