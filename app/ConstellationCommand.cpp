@@ -85,8 +85,8 @@ int RunConstellationCommand(const data::ProgramDir& dir, services::UiPort& ui,
             line.pop_back();
         const std::vector<std::string> fields = SplitTabs(line);
         if (fields.size() < 2 || fields.size() > 3) {
-            std::cerr << "selvane-cli: constellation: line " << number << " has "
-                      << fields.size() << (fields.size() == 1 ? " field" : " fields")
+            std::cerr << "selvane-cli: constellation: line " << number << " has " << fields.size()
+                      << (fields.size() == 1 ? " field" : " fields")
                       << ", not RA<TAB>DEC[<TAB>EPOCH]\n";
             malformed = true;
             WriteAnswer(out, {});

@@ -223,8 +223,8 @@ std::optional<PrecessedPosition> Precess(double alpha, double delta, double E0, 
     const double theta = (2003.829 - 0.4260001 * T - 0.04200001 * T * T) * T / 3600 * F;
     const double a0 = alpha * 15 * F;
     const double d0 = delta * F;
-    if (!std::isfinite(zeta) || !std::isfinite(z) || !std::isfinite(theta) ||
-        !std::isfinite(a0) || !std::isfinite(d0)) {
+    if (!std::isfinite(zeta) || !std::isfinite(z) || !std::isfinite(theta) || !std::isfinite(a0) ||
+        !std::isfinite(d0)) {
         faults.ReportFault(kOverflow, kPrecessLocation);
         return std::nullopt;
     }

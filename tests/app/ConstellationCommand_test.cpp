@@ -62,8 +62,7 @@ protected:
     // Puts a file into the program folder before the run; the start does not replace it.
     void WriteHomeFile(const std::string& name, const std::string& text)
     {
-        std::ofstream(home.filePath(QString::fromStdString(name)).toStdString(),
-                      std::ios::binary)
+        std::ofstream(home.filePath(QString::fromStdString(name)).toStdString(), std::ios::binary)
             << text;
     }
 
@@ -85,12 +84,12 @@ TEST_F(ConstellationCli, SinglePositions)
         QStringList args;
         const char* answer;
     } cases[] = {
-        {{"5h35m17s", "-05°23'28\""}, "ORIon\tOri"},          // M 42, EPOCH left out
-        {{"5 35 17", "- 5 23 28", "J2000"}, "ORIon\tOri"},    // the same, typed otherwise
-        {{"5 32 49", "-5 25 00", "B1950"}, "ORIon\tOri"},     // its 1950 position
-        {{"13:29:53", "+47:11:43"}, "Canes VeNatici\tCvn"},   // M 51
-        {{"1 58 46", "-61 34 11"}, "HYdrus\tHy"},             // alpha Hydri
-        {{"north", "east"}, "PiSCes\tPsc"},                   // no digits: 0h, 0 degrees
+        {{"5h35m17s", "-05°23'28\""}, "ORIon\tOri"},        // M 42, EPOCH left out
+        {{"5 35 17", "- 5 23 28", "J2000"}, "ORIon\tOri"},  // the same, typed otherwise
+        {{"5 32 49", "-5 25 00", "B1950"}, "ORIon\tOri"},   // its 1950 position
+        {{"13:29:53", "+47:11:43"}, "Canes VeNatici\tCvn"}, // M 51
+        {{"1 58 46", "-61 34 11"}, "HYdrus\tHy"},           // alpha Hydri
+        {{"north", "east"}, "PiSCes\tPsc"},                 // no digits: 0h, 0 degrees
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.args.join(" ").toStdString());
@@ -140,9 +139,8 @@ TEST_F(ConstellationCli, FaultsAreReportedAndAnsweredEmpty)
     std::string names = shipped.readAll().toStdString();
     names.erase(names.rfind('\n', names.size() - 2) + 1);
     WriteHomeFile("con9.txt", names);
-    const std::string fault =
-        "[E] The Following Error Has Occurred: Input past end of file\n"
-        "Occurred in : GETCONST.GetCon\n";
+    const std::string fault = "[E] The Following Error Has Occurred: Input past end of file\n"
+                              "Occurred in : GETCONST.GetCon\n";
     const CliRun single = Run({"constellation", "5h35m17s", "-05 23 28"});
     EXPECT_EQ(single.exit, 1);
     EXPECT_EQ(single.lines, (std::vector<std::string>{"Name\tAbbr", "\t"}));
@@ -160,9 +158,8 @@ TEST_F(ConstellationCli, FaultsAreReportedAndAnsweredEmpty)
 
 TEST_F(ConstellationCli, UsageErrorsPrintNothing)
 {
-    for (const QStringList& args :
-         {QStringList{"constellation"}, QStringList{"constellation", "5"},
-          QStringList{"constellation", "1", "2", "3", "4"}}) {
+    for (const QStringList& args : {QStringList{"constellation"}, QStringList{"constellation", "5"},
+                                    QStringList{"constellation", "1", "2", "3", "4"}}) {
         SCOPED_TRACE(args.join(" ").toStdString());
         const CliRun run = Run(args);
         EXPECT_EQ(run.exit, 2);

@@ -198,10 +198,10 @@ TEST(ConstellationAbbreviation, CapitalsInOrder)
         const char* name;
         const char* abbreviation;
     } cases[] = {
-        {"ANDromeda", "And"},          {"Canes VeNatici", "Cvn"},
-        {"PiScis Austrinus", "Psa"},   {"HYdrus", "Hy"},
-        {"lower case only", ""},       {"", ""},
-        {"  Ursa MInor  ", "Umi"},     {"CoRona Borealis", "Crb"},
+        {"ANDromeda", "And"},        {"Canes VeNatici", "Cvn"},
+        {"PiScis Austrinus", "Psa"}, {"HYdrus", "Hy"},
+        {"lower case only", ""},     {"", ""},
+        {"  Ursa MInor  ", "Umi"},   {"CoRona Borealis", "Crb"},
         {"Bo-otes 2", "B-2"}, // anything that has no lower case form is taken
     };
     for (const auto& c : cases) {
@@ -274,8 +274,8 @@ TEST(Precess, RangeAndFaults)
 
     // Right ascension comes back in [0, 24) whichever signs A and B have, from inputs outside
     // that range too.
-    for (double alpha : {0.0, 1e-9, 5.9, 6.1, 11.99, 12.01, 17.9, 18.1, 23.999999, 24.0, -3.0,
-                         30.0}) {
+    for (double alpha :
+         {0.0, 1e-9, 5.9, 6.1, 11.99, 12.01, 17.9, 18.1, 23.999999, 24.0, -3.0, 30.0}) {
         for (double delta : {-89.9, -45.0, 0.0, 45.0, 89.9}) {
             SCOPED_TRACE(std::to_string(alpha) + " " + std::to_string(delta));
             const auto p = astro::Precess(alpha, delta, 2000, 1875, faults);
@@ -357,24 +357,23 @@ TEST(GetCon, KnownObjects)
         const char* name;
         const char* abbreviation;
     } cases[] = {
-        {"5h35m17s", "-05°23'28\"", "J2000", "ORIon", "Ori"},       // M 42
-        {"05 35 17", "- 5 23 28", "2000", "ORIon", "Ori"},          // M 42, blanks
-        {"5 32 49", "-5 25 00", "B1950", "ORIon", "Ori"},           // M 42, 1950 position
-        {"0 42 44", "+41 16 09", "2000", "ANDromeda", "And"},       // M 31
-        {"2 31 49", "89 15 51", "2000", "Ursa MInor", "Umi"},       // Polaris
-        {"13 29 53", "47 11 43", "2000", "Canes VeNatici", "Cvn"},  // M 51
+        {"5h35m17s", "-05°23'28\"", "J2000", "ORIon", "Ori"},         // M 42
+        {"05 35 17", "- 5 23 28", "2000", "ORIon", "Ori"},            // M 42, blanks
+        {"5 32 49", "-5 25 00", "B1950", "ORIon", "Ori"},             // M 42, 1950 position
+        {"0 42 44", "+41 16 09", "2000", "ANDromeda", "And"},         // M 31
+        {"2 31 49", "89 15 51", "2000", "Ursa MInor", "Umi"},         // Polaris
+        {"13 29 53", "47 11 43", "2000", "Canes VeNatici", "Cvn"},    // M 51
         {"22 57 39", "-29 37 20", "2000", "PiScis Austrinus", "Psa"}, // Fomalhaut
-        {"18 36 56", "38 47 01", "2000", "LYRa", "Lyr"},            // Vega
-        {"12 26 36", "-63 05 57", "2000", "CRUx", "Cru"},           // Acrux
-        {"1 58 46", "-61 34 11", "2000", "HYdrus", "Hy"},           // Alpha Hydri
-        {"17 45 40", "-29 00 28", "2000", "SaGittaRius", "Sgr"},    // Galactic centre
-        {"6 0 0", "-89 59 59", "2000", "OCTans", "Oct"},            // near the south pole
+        {"18 36 56", "38 47 01", "2000", "LYRa", "Lyr"},              // Vega
+        {"12 26 36", "-63 05 57", "2000", "CRUx", "Cru"},             // Acrux
+        {"1 58 46", "-61 34 11", "2000", "HYdrus", "Hy"},             // Alpha Hydri
+        {"17 45 40", "-29 00 28", "2000", "SaGittaRius", "Sgr"},      // Galactic centre
+        {"6 0 0", "-89 59 59", "2000", "OCTans", "Oct"},              // near the south pole
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(std::string(c.ra) + " " + c.dec);
         RecordingFaults faults;
-        const astro::ConstellationName got =
-            astro::GetCon(c.ra, c.dec, c.epoch, kShipped, faults);
+        const astro::ConstellationName got = astro::GetCon(c.ra, c.dec, c.epoch, kShipped, faults);
         EXPECT_EQ(got.name, c.name);
         EXPECT_EQ(got.abbreviation, c.abbreviation);
         EXPECT_TRUE(faults.reports.empty());
@@ -419,8 +418,7 @@ TEST(GetCon, DamagedFiles)
     } cases[] = {
         {"names missing", astro::kConstellationNamesFileName, "", true, "File not found"},
         {"names empty", astro::kConstellationNamesFileName, "", false, "Input past end of file"},
-        {"87 names", astro::kConstellationNamesFileName, names87, false,
-         "Input past end of file"},
+        {"87 names", astro::kConstellationNamesFileName, names87, false, "Input past end of file"},
         {"bounds missing", astro::kConstellationBoundsFileName, "", true, "File not found"},
         {"356 records", astro::kConstellationBoundsFileName, bounds356, false,
          "Input past end of file"},
@@ -434,8 +432,8 @@ TEST(GetCon, DamagedFiles)
         {"constellation 0", astro::kConstellationBoundsFileName, renumbered("0"), false,
          "Subscript out of range"},
         // Files that read whole.
-        {"constellation 59.5 reads 60", astro::kConstellationBoundsFileName,
-         renumbered("59.5"), false, ""},
+        {"constellation 59.5 reads 60", astro::kConstellationBoundsFileName, renumbered("59.5"),
+         false, ""},
         {"names with CR LF line ends and a 89th line", astro::kConstellationNamesFileName,
          [&] {
              std::string crlf;
@@ -444,8 +442,7 @@ TEST(GetCon, DamagedFiles)
              return crlf + "extra\r\n";
          }(),
          false, ""},
-        {"records separated by commas, no final line end",
-         astro::kConstellationBoundsFileName,
+        {"records separated by commas, no final line end", astro::kConstellationBoundsFileName,
          [&] {
              std::string commas = bounds;
              for (char& c : commas)
