@@ -9,6 +9,7 @@
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/CliOptions.h"
+#include "app/ConstellationCommand.h"
 #include "app/EquipmentCommand.h"
 #include "app/GridCommand.h"
 #include "app/LogCommand.h"
@@ -86,6 +87,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunWhatsUpCommand(TMM, start, args, std::cout, clock);
           },
           app::WhatsUpUsage}},
+        {"constellation",
+         {app::CheckConstellationArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunConstellationCommand(TMM.dir, TMM.ui, args, std::cin, std::cout);
+          },
+          app::ConstellationUsage}},
     };
     return commands;
 }
