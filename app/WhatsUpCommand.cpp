@@ -129,7 +129,7 @@ WhatsUpArgs ParseWhatsUpArgs(const std::vector<std::string>& args)
                 descending = true;
             }
             if (w.sorts.size() == 3)
-                w.error = "a fourth --sort \"" + args[i] + "\": the wizard sorts by 3 levels";
+                w.error = "a fourth --sort \"" + name + "\": the wizard sorts by 3 levels";
             else if (!Listed(spread::WizardSortList(), name))
                 w.error = "unknown sort name \"" + name + "\"";
             w.sorts.emplace_back(name, descending);

@@ -2,6 +2,7 @@
 
 #include "astro/Text.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
@@ -248,8 +249,9 @@ std::optional<PrecessedPosition> Precess(double alpha, double delta, double E0, 
         out.alpha += 24;
     if (out.alpha >= 24)
         out.alpha -= 24;
-    // Deliberate: A, B and C are a unit vector, so C past 1 is rounding at the pole, not a fault.
-    out.delta = std::asin(std::fmax(-1.0, std::fmin(1.0, C))) / F;
+    // Deliberate: A, B and C are a rotated unit vector, so C past 1 (by 1e-12 at most) is
+    // floating-point rounding at a pole, not a fault.
+    out.delta = std::asin(std::clamp(C, -1.0, 1.0)) / F;
     return out;
 }
 

@@ -309,6 +309,11 @@ void WhatsUpWizard::Now()
 
 bool WhatsUpWizard::SelectSite(const std::string& name)
 {
+    if (vb::Trim(name).empty()) {
+        site_.reset();
+        cboSite.clear();
+        return true;
+    }
     for (const data::Place& s : sites)
         if (vb::SameText(s.name, vb::Trim(name))) {
             site_ = s;

@@ -60,7 +60,7 @@ inline constexpr const char* WizardBackCaption = "<< Back";
 inline constexpr const char* WizardCancelCaption = "Cancel";
 inline constexpr const char* WizardNowCaption = "Now";
 inline constexpr const char* WizardApplyCaption = "Apply wizard preferences to rest of Selvane";
-// Deliberate: "propogated" is spelt as observers have always read it.
+// The tip's spelling is the window's own.
 inline constexpr const char* WizardApplyTip =
     "When checked, any changes made on the wizard screen will be propogated in Selvane";
 inline constexpr const char* WizardAllConstellations = "All Constellations";
@@ -168,8 +168,8 @@ public:
     void Cancel();
     // cmdNow_Click: date and time from the computer clock.
     void Now();
-    // cboSite_Click: the site of that ProfileName (without regard to case) becomes the site;
-    // false when no site has that name.
+    // cboSite_Click: the site of that ProfileName (without regard to case) becomes the site; a
+    // blank name chooses none, so the place in force stays. False when no site has that name.
     bool SelectSite(const std::string& name);
     // chkwizapply_Click: the box and the setting wizapppref, written at once.
     void chkwizapply_Click(bool checked);

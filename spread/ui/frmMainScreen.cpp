@@ -933,6 +933,10 @@ bool frmMainScreen::ShowSetupWizard()
 void frmMainScreen::ShowWhatsUpWizard()
 {
     state_.CurrTab = CurrTab();
+    if (state_.CurrTab < 0 || state_.CurrTab >= kGridTabs) {
+        ui_.ShowMessage(data::NotSpreadsheetTabText, data::NotSpreadsheetTabTitle, "I");
+        return;
+    }
     if (!DatabaseOpen())
         return;
     WizardHooks hooks;
