@@ -5,6 +5,8 @@
 
 #include "astro/Position.h"
 
+#include "bench/BenchFaults.h"
+
 #include <benchmark/benchmark.h>
 
 #include <atomic>
@@ -40,17 +42,7 @@ void operator delete(void* p, std::size_t) noexcept
 
 namespace {
 
-class CountingFaults : public astro::FaultSink
-{
-public:
-    void ReportFault(std::string_view, std::string_view) override { ++reports; }
-    void EndProcess(int) override
-    {
-        std::fputs("fatal fault in a benchmark\n", stderr);
-        std::abort();
-    }
-    long long reports = 0;
-};
+using bench::CountingFaults;
 
 struct Object
 {

@@ -4,6 +4,8 @@
 
 #include "astro/Constellation.h"
 
+#include "bench/BenchFaults.h"
+
 #include <benchmark/benchmark.h>
 
 #include <cmath>
@@ -16,17 +18,7 @@
 
 namespace {
 
-class CountingFaults : public astro::FaultSink
-{
-public:
-    void ReportFault(std::string_view, std::string_view) override { ++reports; }
-    void EndProcess(int) override
-    {
-        std::fputs("fatal fault in a benchmark\n", stderr);
-        std::abort();
-    }
-    long long reports = 0;
-};
+using bench::CountingFaults;
 
 struct Position
 {
