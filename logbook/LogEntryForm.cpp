@@ -628,13 +628,7 @@ bool LogEntryForm::MessierShorthand()
 
 long long LogEntryForm::ObjectKey()
 {
-    if (!ctx_.objectDb)
-        return 0;
-    auto rs = ctx_.objectDb->OpenRecordset("Select * From SelvaneTable Where ObjectID ='" +
-                                               vb::QuoteForSql(f.txtObjectID) +
-                                               "' and Catalog = '" + CatalogId() + "'",
-                                           data::Snapshot);
-    return rs.Eof() ? 0 : rs.Fields("ID").Long();
+    return logbook::ObjectKey(ctx_.objectDb, f.txtObjectID, CatalogId());
 }
 
 void LogEntryForm::WriteEntryColumns(data::Recordset& rs, bool adding)

@@ -20,6 +20,18 @@ std::string ObservedUpdateSql(const std::string& objectId, const std::string& ca
            " and Catalog = '" + catalogId + "'";
 }
 
+long long ObjectKey(data::Database* objectDb, const std::string& objectId,
+                    const std::string& catalogId)
+{
+    if (!objectDb)
+        return 0;
+    auto rs = objectDb->OpenRecordset("Select * From SelvaneTable Where ObjectID ='" +
+                                          vb::QuoteForSql(objectId) + "' and Catalog = '" +
+                                          catalogId + "'",
+                                      data::Snapshot);
+    return rs.Eof() ? 0 : rs.Fields("ID").Long();
+}
+
 bool AddToLogbook(services::UiPort& ui, data::Database& logbook, data::Database& objectDb,
                   const data::Preferences& prefs, const astro::Clock& clock,
                   const std::string& objectId, const std::string& catalogId, long long key,

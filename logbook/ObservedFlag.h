@@ -19,6 +19,11 @@ namespace logbook {
 std::string ObservedUpdateSql(const std::string& objectId, const std::string& catalogId,
                               long long key);
 
+// The object's key (SelvaneTable.ID) an entry stores as DataRec: the row of that id and
+// catalogue id; 0 when there is none or no object database is open.
+long long ObjectKey(data::Database* objectDb, const std::string& objectId,
+                    const std::string& catalogId);
+
 // TMM.AddToLogbook: the one-click log of a spreadsheet row (grid column 3).
 // Given: objectId, catalogId, key, the row's ObjectID, Catalog and RecordID; openEntry, the
 //   window that takes further details of the new observation (called with its number when
