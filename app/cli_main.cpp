@@ -12,6 +12,7 @@
 #include "app/ConstellationCommand.h"
 #include "app/EquipmentCommand.h"
 #include "app/GridCommand.h"
+#include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
@@ -94,6 +95,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunConstellationCommand(TMM.dir, TMM.ui, args, std::cin, std::cout);
           },
           app::ConstellationUsage}},
+        {"import-jet",
+         {app::CheckImportJetArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunImportJetCommand(TMM, args, std::cout);
+          },
+          app::ImportJetUsage}},
     };
     return commands;
 }

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <map>
+#include <memory>
 
 namespace logbook {
 
@@ -347,12 +348,18 @@ std::string Duration(int ms)
                           : std::to_string(ms) + " milliseconds";
 }
 
-// Runs one mdbtools program on the file; its standard output.
-std::string RunTool(const std::string& program, const QStringList& args, const std::string& path,
-                    const JetTools& tools)
+// Starts one mdbtools program on the file.
+std::unique_ptr<QProcess> StartTool(const std::string& program, const QStringList& args)
 {
-    QProcess process;
-    process.start(QString::fromStdString(program), args);
+    auto process = std::make_unique<QProcess>();
+    process->start(QString::fromStdString(program), args);
+    return process;
+}
+
+// Waits for a program started by StartTool; its standard output.
+std::string FinishTool(QProcess& process, const std::string& program, const std::string& path,
+                       const JetTools& tools)
+{
     if (!process.waitForStarted(tools.timeoutMs))
         throw Failure("The earlier logbook " + path + " cannot be read: the program " + program +
                       " (mdbtools) cannot be started. Is mdbtools installed?");
@@ -392,28 +399,30 @@ JetTables ReadJetFile(const std::string& path, const JetTools& tools)
         throw Failure(path + " is not a logbook of an earlier edition: it is no Jet database.");
 
     const QString file_ = QString::fromStdString(path);
-    const std::string list = RunTool(tools.tables, {"-1", file_}, path, tools);
+    const std::string list =
+        FinishTool(*StartTool(tools.tables, {"-1", file_}), tools.tables, path, tools);
     std::vector<std::string> names;
     for (const std::string& line : vb::SplitLines(list))
         if (const std::string name = vb::Trim(line); !name.empty())
             names.push_back(name);
 
-    JetTables result;
+    // The tables are read side by side; a program still running when another fails is ended
+    // with its process.
+    std::vector<std::pair<std::string, std::unique_ptr<QProcess>>> reads;
     for (const TableColumns& wanted : Tables()) {
         const auto found = std::find_if(names.begin(), names.end(), [&](const std::string& n) {
             return vb::SameText(n, wanted.table);
         });
-        if (found == names.end()) {
-            if (vb::SameText(wanted.table, "Logbook"))
-                throw Failure(path +
-                              " is not a logbook of an earlier edition: it has no Logbook table.");
-            continue;
-        }
-        result.tables.emplace_back(
-            *found,
-            RunTool(tools.json, {"-T", "%Y-%m-%d %H:%M:%S", file_, QString::fromStdString(*found)},
-                    path, tools));
+        if (found != names.end())
+            reads.emplace_back(*found, StartTool(tools.json, {"-T", "%Y-%m-%d %H:%M:%S", file_,
+                                                              QString::fromStdString(*found)}));
+        else if (vb::SameText(wanted.table, "Logbook"))
+            throw Failure(path +
+                          " is not a logbook of an earlier edition: it has no Logbook table.");
     }
+    JetTables result;
+    for (auto& [table, process] : reads)
+        result.tables.emplace_back(table, FinishTool(*process, tools.json, path, tools));
     return result;
 }
 

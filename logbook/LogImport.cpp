@@ -107,6 +107,9 @@ public:
         const int rc = sqlite3_step(stmt);
         if (rc != SQLITE_ROW && rc != SQLITE_DONE)
             Check(db_, rc, SQLITE_ROW);
+        // A statement left on its row keeps the transaction's read locks after the commit,
+        // those on the linked object database too, so that its observed flags cannot be set.
+        sqlite3_reset(stmt);
         return rc == SQLITE_ROW;
     }
 
