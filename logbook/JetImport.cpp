@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QProcess>
+#include <QString>
 
 #include <algorithm>
 #include <map>
@@ -200,25 +201,6 @@ private:
         return v;
     }
 
-    static void Utf8(std::string& out, char32_t c)
-    {
-        if (c < 0x80) {
-            out += static_cast<char>(c);
-        } else if (c < 0x800) {
-            out += static_cast<char>(0xC0 | (c >> 6));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else if (c < 0x10000) {
-            out += static_cast<char>(0xE0 | (c >> 12));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        } else {
-            out += static_cast<char>(0xF0 | (c >> 18));
-            out += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-            out += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-            out += static_cast<char>(0x80 | (c & 0x3F));
-        }
-    }
-
     bool String(std::string& out)
     {
         if (!Take('"'))
@@ -267,7 +249,7 @@ private:
                         return false;
                     c32 = 0x10000 + ((unit - 0xD800) << 10) + (low - 0xDC00);
                 }
-                Utf8(out, c32);
+                out += QString::fromUcs4(&c32, 1).toStdString();
                 break;
             }
             default:
