@@ -105,6 +105,7 @@ frmOutsideMain::frmOutsideMain(logbook::LogContext& context, data::SettingsStore
     vaSpread1->verticalHeader()->setVisible(false);
     vaSpread1->horizontalHeader()->setStretchLastSection(true);
     vaSpread1->installEventFilter(this);
+    vaSpread1->setMinimumWidth(400);
 
     txtObs = new QLineEdit(this);
     txtObs->setObjectName("txtObs");
@@ -122,7 +123,7 @@ frmOutsideMain::frmOutsideMain(logbook::LogContext& context, data::SettingsStore
     auto* layout = new QHBoxLayout(this);
     layout->addWidget(tabs, 3);
     layout->addLayout(side, 2);
-    resize(960, 560);
+    resize(1100, 560);
 }
 
 QWidget* frmOutsideMain::BuildTab(int tab)
@@ -303,10 +304,14 @@ void frmOutsideMain::Key(int key)
             }
         break;
     case logbook::OutsideKey::Add:
+        // The next observation starts at the object id, whichever tab the add came from.
+        form_.tab = 0;
+        tabs->setCurrentIndex(0);
+        FocusControl("txtObjectID");
+        break;
     case logbook::OutsideKey::Clear:
     case logbook::OutsideKey::Delete:
-        if (form_.tab == 0)
-            FocusControl("txtObjectID");
+        FocusControl("txtObjectID");
         break;
     case logbook::OutsideKey::Grid:
         vaSpread1->setFocus(Qt::OtherFocusReason);
@@ -329,8 +334,12 @@ void frmOutsideMain::PickFor(const OutsideButton& button)
         ShowModel();
         running_ = false;
     }
+    // The window takes the keyboard back from the closed popup.
+    activateWindow();
     if (choice)
         FocusControl(target->name);
+    else
+        Button(button.caption)->setFocus(Qt::OtherFocusReason);
 }
 
 void frmOutsideMain::Leave(QWidget* widget, const OutsideControl& control)
@@ -350,8 +359,10 @@ bool frmOutsideMain::eventFilter(QObject* watched, QEvent* event)
     if (type == QEvent::ShortcutOverride || type == QEvent::KeyPress) {
         const auto* key = static_cast<QKeyEvent*>(event);
         if (key->modifiers() == Qt::ControlModifier && OwnsKey(key->key())) {
-            // The window's keys come before the fields' own (Ctrl+A selects all, Ctrl+U
-            // underlines).
+            // The window's keys come before the line fields' own (Ctrl+A selects all). A rich
+            // box keeps its formatting key beside them: Ctrl+U underlines there and updates.
+            if (auto* box = qobject_cast<QTextEdit*>(watched))
+                frmLogEntryNew::RichKey(*box, event, this);
             event->accept();
             if (type == QEvent::KeyPress && !running_)
                 Key(key->key());

@@ -14,7 +14,10 @@ frmOutsidePopup::frmOutsidePopup(const std::string& caption, const logbook::Outs
     setObjectName("frmOutsidePopup");
     setWindowTitle(QString::fromStdString(caption));
     auto* layout = new QVBoxLayout(this);
-    auto* help = new QLabel("ENTER = choose   ESC = cancel", this);
+    auto* help =
+        new QLabel("<b>" + QString::fromStdString(caption).toHtmlEscaped() +
+                       "</b>&nbsp;&nbsp;&nbsp;ENTER = choose&nbsp;&nbsp;&nbsp;ESC = cancel",
+                   this);
     List1 = new QListWidget(this);
     List1->setObjectName("List1");
     for (const std::string& row : list.rows)
