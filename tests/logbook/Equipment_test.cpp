@@ -320,8 +320,7 @@ TEST(SyncEquipmentTable, AFailedWriteLeavesTheTableAsItWas)
 // comes back unchanged through its boxes, and no mode is longer than the entry form keeps.
 TEST(ShippedEquipment, RowsAreInTheirColumns)
 {
-    const data::ProgramDir resources{fs::path(__FILE__).parent_path() / ".." / ".." /
-                                     "resources"};
+    const data::ProgramDir resources{fs::path(SELVANE_SHIPPED_RESOURCES)};
     Port ui;
     const auto scopes = logbook::ReadEquipmentList(ui, resources, EquipmentKind::Scope);
     ASSERT_GE(scopes.size(), 3u);
