@@ -7,8 +7,12 @@
 
 #include "logbook/ui/frmOutsideMain.h"
 
+#include "app/LogbookWiring.h"
 #include "data/DatabaseFiles.h"
+#include "data/ObjectFilter.h"
 #include "logbook/ui/frmOutsidePopup.h"
+#include "spread/AppState.h"
+#include "spread/ui/frmMainScreen.h"
 
 #include "GuiApp.h"
 
@@ -44,22 +48,17 @@ void Settle()
         QApplication::processEvents();
 }
 
-struct OutsideWindow
+// A program folder with a copy of the small edition and a new logbook with a log type, two
+// instruments, a site and the exposure modes.
+struct Folder
 {
     bool appReady = (App(), true);
     QTemporaryDir temp;
     data::ProgramDir dir{temp.path().toStdString()};
     std::unique_ptr<data::Database> logbookDb;
     std::unique_ptr<data::Database> objectDb;
-    TestPort ui;
-    data::Preferences prefs;
-    data::SettingsStore settings{dir.File("settings.ini")};
-    data::CurrentObject current;
-    astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};
-    logbook::LogContext context{ui, nullptr, nullptr, prefs, dir, current, clock};
-    std::unique_ptr<frmOutsideMain> window;
 
-    OutsideWindow()
+    Folder()
     {
         const std::filesystem::path objectPath = dir.File(data::ObjectDatabaseName);
         std::filesystem::copy_file(kResources / "SelvPro13000.mdb", objectPath);
@@ -74,6 +73,21 @@ struct OutsideWindow
              })
             logbookDb->Execute(sql);
         std::ofstream(dir.File("exp.dat")) << "Binning 1x1\nBinning 2x2\n";
+    }
+};
+
+struct OutsideWindow : Folder
+{
+    TestPort ui;
+    data::Preferences prefs;
+    data::SettingsStore settings{dir.File("settings.ini")};
+    data::CurrentObject current;
+    astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};
+    logbook::LogContext context{ui, nullptr, nullptr, prefs, dir, current, clock};
+    std::unique_ptr<frmOutsideMain> window;
+
+    OutsideWindow()
+    {
         context.logbook = logbookDb.get();
         context.objectDb = objectDb.get();
         window = std::make_unique<frmOutsideMain>(context, settings);
@@ -227,6 +241,32 @@ TEST(OutsideWindow, AWholeEntryFromTheKeyboard)
     EXPECT_TRUE(s.ui.questions.empty());
     EXPECT_EQ(s.window->vaSpread1->rowCount(), 0);
     EXPECT_EQ(s.ui.shown.back().ShortMessage, "Observation Deleted");
+}
+
+// The Outside tool of the main window opens the window on the spreadsheet's current object.
+TEST(OutsideWiring, TheOutsideToolOpensTheWindow)
+{
+    Folder f;
+    TestPort ui;
+    spread::AppState state{ui, f.dir, data::SettingsStore(f.dir.File("Selvane2000.ini"))};
+    astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};
+    state.objectDb = std::move(f.objectDb);
+    state.logbookDb = std::move(f.logbookDb);
+    state.NoLoadYet = false;
+    spread::MainScreenHooks hooks;
+    hooks.computerClock = &clock;
+    auto window = std::make_unique<spread::frmMainScreen>(state, ui, hooks);
+    app::WireLogbook(*window, state, ui, clock, state.current);
+    window->show();
+    state.current.id = "NGC 7000";
+    window->ab_ToolClick("tolOutside");
+    Settle();
+    auto* outside = dynamic_cast<frmOutsideMain*>(window->findChild<QWidget*>("frmOutsideMain"));
+    ASSERT_NE(outside, nullptr);
+    EXPECT_TRUE(outside->isVisible());
+    EXPECT_EQ(qobject_cast<QLineEdit*>(outside->Control("txtObjectID"))->text(), "NGC 7000");
+    EXPECT_EQ(state.settings.Get("firstoutside", ""), "Y");
+    window.reset();
 }
 
 } // namespace
