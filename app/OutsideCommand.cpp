@@ -68,7 +68,7 @@ struct Step
 {
     Act act;
     int line = 0;
-    const OutsideControl* control = nullptr; // Type; nullptr with txtObs
+    const OutsideControl* control = nullptr; // Type
     const OutsideButton* button = nullptr;
     std::string buttonText; // as the script names it
     std::string text;       // Type's TEXT, Pick's ENTRY
@@ -163,8 +163,9 @@ std::string ParseStep(const std::string& line, Step& step)
     const std::string name = vb::Trim(line.substr(0, eq));
     step.act = Act::Type;
     step.text = Unescaped(line.substr(eq + 1));
+    // The number is the window's to give: the box takes no focus and no typing.
     if (vb::SameText(name, "txtObs"))
-        return {};
+        return "txtObs takes no typing";
     step.control = logbook::FindOutsideControl(name);
     if (!step.control)
         return "unknown control \"" + name + "\"";
@@ -206,10 +207,6 @@ bool RunStep(logbook::OutsideForm& form, logbook::LogContext& context, const Ste
         step.button ? logbook::FindOutsideControl(step.button->control) : nullptr;
     switch (step.act) {
     case Act::Type:
-        if (!step.control) {
-            form.entry.lblObNo = step.text;
-            return true;
-        }
         form.tab = step.control->tab;
         form.SetText(*step.control, step.text);
         return form.LostFocus(*step.control);

@@ -118,7 +118,7 @@ TEST_F(OutsideCli, FaultyStepsGoOnAndUnknownNamesStopEverything)
 
     // Exit 2, checked before anything runs: nothing is added.
     for (const char* bad : {"txtSeeing2=x", "^F1", "pick Eyepiece", "list Rating x",
-                            "chkdframe=maybe", "grid none", "jump"}) {
+                            "chkdframe=maybe", "grid none", "jump", "txtObs=1"}) {
         run = Outside(std::string("^A\n") + bad + "\n");
         EXPECT_EQ(2, run.exit) << bad;
         EXPECT_TRUE(run.lines.empty()) << bad;
