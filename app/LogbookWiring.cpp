@@ -4,6 +4,7 @@
 #include "logbook/ObservedFlag.h"
 #include "logbook/ui/frmEditEquipment.h"
 #include "logbook/ui/frmLogEntryNew.h"
+#include "logbook/ui/frmOutsideMain.h"
 #include "data/Preferences.h"
 #include "services/Vb.h"
 #include "spread/AppState.h"
@@ -30,7 +31,11 @@ public:
           state_(state), context_{ui, nullptr, nullptr, state.prefs, state.dir, current, clock}
     {
     }
-    ~LogbookLink() override { delete entry_; }
+    ~LogbookLink() override
+    {
+        delete entry_;
+        delete outside_;
+    }
 
     bool DatabasesOpen() const { return state_.logbookDb && state_.objectDb; }
 
@@ -44,6 +49,19 @@ public:
         if (!entry_)
             entry_ = new logbook::ui::frmLogEntryNew(context_, &window_);
         entry_->Open(mode);
+    }
+
+    // tolOutside: the outside window, on a new entry of the spreadsheet's current object.
+    void OpenOutside()
+    {
+        if (!DatabasesOpen())
+            return;
+        context_.logbook = state_.logbookDb.get();
+        context_.objectDb = state_.objectDb.get();
+        context_.dir = state_.dir;
+        if (!outside_)
+            outside_ = new logbook::ui::frmOutsideMain(context_, state_.settings, &window_);
+        outside_->Open(-1);
     }
 
     // "el": the entry window on the object of the current tab's selected row.
@@ -108,6 +126,7 @@ private:
     spread::AppState& state_;
     logbook::LogContext context_;
     QPointer<logbook::ui::frmLogEntryNew> entry_;
+    QPointer<logbook::ui::frmOutsideMain> outside_;
 };
 
 } // namespace
@@ -120,6 +139,7 @@ void WireLogbook(spread::frmMainScreen& window, spread::AppState& state, service
     dispatcher.SetAction("tolLogbook", [link] { link->Open("N"); });
     dispatcher.SetAction("mnueditlog", [link] { link->Open("N"); });
     dispatcher.SetAction("el", [link] { link->OpenOnSelectedRow(); });
+    dispatcher.SetAction("tolOutside", [link] { link->OpenOutside(); });
     dispatcher.SetAction("fixobs", [link] { link->FixObservations(); });
     dispatcher.SetAction("equipment", [link] { link->EditEquipment(); });
     // The window's own handler of a click (the plan column) is connected first and runs first.

@@ -4,7 +4,8 @@
 //
 // Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
 // SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists),
-// whatsup (the What's Up wizard), constellation (the constellation of a position).
+// whatsup (the What's Up wizard), constellation (the constellation of a position), outside
+// (the outside window from a script).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -14,6 +15,7 @@
 #include "app/GridCommand.h"
 #include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
+#include "app/OutsideCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -102,6 +104,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunImportJetCommand(TMM, args, std::cout);
           },
           app::ImportJetUsage}},
+        {"outside",
+         {app::CheckOutsideArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunOutsideCommand(TMM, args, std::cin, std::cout, clock);
+          },
+          app::OutsideUsage}},
     };
     return commands;
 }

@@ -313,7 +313,7 @@ LogEntryForm::LogEntryForm(LogContext& context) : ctx_(context) {}
 
 std::string LogEntryForm::Location(const char* routine) const
 {
-    return std::string(FormLocation) + "." + routine;
+    return formName + "." + routine;
 }
 
 bool LogEntryForm::Trap(const char* routine, const std::function<void()>& body)
@@ -344,7 +344,31 @@ long long LogEntryForm::Number() const
 
 std::string LogEntryForm::CatalogId() const
 {
-    return data::GetCatalogID(catalogs_, vb::Trim(f.cboCatalog));
+    const std::string text = vb::Trim(f.cboCatalog);
+    if (catalogByName)
+        for (const data::CatalogRow& row : catalogs_.catalogs)
+            if (vb::SameText(row.CatalogName, text))
+                return row.CatalogName;
+    return data::GetCatalogID(catalogs_, text);
+}
+
+std::string LogEntryForm::CatalogText(std::string_view catalogId) const
+{
+    if (catalogByName) {
+        for (const data::CatalogRow& row : catalogs_.catalogs)
+            if (vb::SameText(row.CatalogName, catalogId))
+                return row.CatalogName;
+        return {};
+    }
+    return data::GetCatalogName(catalogs_, catalogId);
+}
+
+void LogEntryForm::LoadCatalogs()
+{
+    Trap("Form_Load", [&] {
+        if (ctx_.objectDb)
+            catalogs_ = data::LoadFilterLookups(*ctx_.objectDb);
+    });
 }
 
 std::string LogEntryForm::StoredDate() const
@@ -414,7 +438,7 @@ void LogEntryForm::Form_Load()
     Trap("Form_Load", [&] {
         if (!ctx_.objectDb)
             return;
-        catalogs_ = data::LoadFilterLookups(*ctx_.objectDb);
+        LoadCatalogs();
         auto rs = ctx_.objectDb->OpenRecordset(
             "Select * From CatalogLookup Where ImpCount>0 Order By CatalogDescription",
             data::Snapshot);
@@ -656,21 +680,36 @@ void LogEntryForm::WriteEntryColumns(data::Recordset& rs, bool adding)
         rs.Fields("DataRec").Set(ctx_.current.key);
 }
 
-bool LogEntryForm::AddEntryToLogbook()
+bool LogEntryForm::WriteLogbookRow(bool adding, const char* routine)
 {
     bool written = false;
-    Trap("AddEntryToLogbook", [&] {
+    Trap(routine, [&] {
         MessierShorthand();
-        ctx_.current.key = ObjectKey();
-        auto rs = ctx_.logbook->OpenRecordset("Select * From Logbook");
-        rs.AddNew();
-        WriteEntryColumns(rs, true);
+        if (adding) {
+            ctx_.current.key = ObjectKey();
+            dataRec = ctx_.current.key;
+        }
+        auto rs = ctx_.logbook->OpenRecordset(
+            adding ? std::string("Select * From Logbook")
+                   : "Select * From Logbook where ObservationNumber = " + NumberText(Number()));
+        if (adding) {
+            rs.AddNew();
+        } else {
+            if (rs.Eof())
+                return;
+            rs.Edit();
+        }
+        WriteEntryColumns(rs, adding);
         rs.Update();
         written = true;
     });
-    if (!written)
+    return written;
+}
+
+bool LogEntryForm::AddEntryToLogbook()
+{
+    if (!WriteLogbookRow(true, "AddEntryToLogbook"))
         return false;
-    dataRec = ctx_.current.key;
     UpdateSelvaneTable();
     dirty = false;
     ctx_.current.id = f.txtObjectID;
@@ -713,19 +752,7 @@ bool LogEntryForm::UpdateEntryInLogbook()
 {
     if (Blank(lblObNo))
         return cmdAdd_Click();
-    bool written = false;
-    Trap("UpdateEntryInLogbook", [&] {
-        MessierShorthand();
-        auto rs = ctx_.logbook->OpenRecordset("Select * From Logbook where ObservationNumber = " +
-                                              NumberText(Number()));
-        if (rs.Eof())
-            return;
-        rs.Edit();
-        WriteEntryColumns(rs, false);
-        rs.Update();
-        written = true;
-    });
-    if (!written)
+    if (!WriteLogbookRow(false, "UpdateEntryInLogbook"))
         return false;
     UpdateSelvaneTable();
     // Deliberate: a stored update leaves nothing pending, so the next click does not offer to
@@ -837,8 +864,18 @@ bool LogEntryForm::DeleteObservation()
         return false;
     if (!ctx_.ui.Ask("Are you sure you want to delete this observation", "Selvane 2003", true))
         return false;
+    if (!RemoveEntry(n, "DeleteObservation"))
+        return false;
+    ctx_.ui.ShowMessage("A logbook entry was deleted successfully", "Observation Deleted", "I");
+    lblObNo.clear();
+    LoadObservations();
+    return true;
+}
+
+bool LogEntryForm::RemoveEntry(long long n, const char* routine)
+{
     std::optional<services::Fault> flagFault;
-    bool deleted = Trap("DeleteObservation", [&] {
+    const bool deleted = Trap(routine, [&] {
         auto entry = ctx_.logbook->OpenRecordset(
             "Select * From Logbook Where ObservationNumber = " + NumberText(n), data::Snapshot);
         const std::string id = entry.Eof() ? f.txtObjectID : entry.Fields("ObjectID").Value();
@@ -870,15 +907,10 @@ bool LogEntryForm::DeleteObservation()
         ctx_.logbook->Execute("Delete From ccdlog where ObservationNumber = " + NumberText(n));
     });
     if (flagFault) {
-        ctx_.ui.ReportFault(flagFault->what(), Location("DeleteObservation"));
-        deleted = false;
-    }
-    if (!deleted)
+        ctx_.ui.ReportFault(flagFault->what(), Location(routine));
         return false;
-    ctx_.ui.ShowMessage("A logbook entry was deleted successfully", "Observation Deleted", "I");
-    lblObNo.clear();
-    LoadObservations();
-    return true;
+    }
+    return deleted;
 }
 
 // ---------------------------------------------------------------------------------------------
@@ -945,7 +977,7 @@ bool LogEntryForm::cmdLastEntry_Click()
             return;
         lblObNo = rs.Fields("ObservationNumber").Value();
         f.txtObjectID = rs.Fields("ObjectID").Value();
-        f.cboCatalog = data::GetCatalogName(catalogs_, rs.Fields("Catalog").Text());
+        f.cboCatalog = CatalogText(rs.Fields("Catalog").Text());
         f.mskDate = ShownDate(rs.Fields("DateObserved").Text());
         f.mskTime = rs.Fields("TimeObserved").Value();
         f.txtLocation = rs.Fields("LocationObserved").Value();
@@ -1023,7 +1055,7 @@ void LogEntryForm::GetLogRecord()
             return;
         f.Option1 = rs.Fields("SeenFlag").Bool();
         const std::string catalogId = rs.Fields("Catalog").Value();
-        f.cboCatalog = data::GetCatalogName(catalogs_, catalogId);
+        f.cboCatalog = CatalogText(catalogId);
         f.txtObjectID = rs.Fields("ObjectID").Value();
         f.mskDate = ShownDate(rs.Fields("DateObserved").Text());
         f.mskTime = rs.Fields("TimeObserved").Value();
@@ -1143,7 +1175,7 @@ void LogEntryForm::GotFocus(LogField field)
             continue;
         std::string value = GetLastEntry(column);
         if (field == LogField::cboCatalog)
-            value = data::GetCatalogName(catalogs_, value);
+            value = CatalogText(value);
         *f.Text(field) = value;
         // Deliberate: only a value recalled marks the form changed; tabbing through the empty
         // boxes of a first entry leaves nothing to save.

@@ -223,6 +223,24 @@ public:
 
     long long Number() const; // lblObNo's value, 0 when empty
     std::string CatalogId() const;
+    // The catalogue box's text for a stored catalogue id.
+    std::string CatalogText(std::string_view catalogId) const;
+    const data::FilterLookups& Catalogs() const { return catalogs_; }
+
+    // The window whose routines these are, in fault locations ("frmLogEntryNew").
+    std::string formName = FormLocation;
+    // The catalogue box holds a CatalogName (as the outside window's does) rather than a
+    // catalogue description; a text that is no CatalogName is still taken as a description.
+    bool catalogByName = false;
+
+    // The storage steps the entry windows share; a fault is reported under formName.routine.
+    void LoadCatalogs();
+    // The Logbook row of the form, after the Messier shorthand: a new row (its object key
+    // looked up into dataRec) or the row numbered lblObNo. False when nothing was written.
+    bool WriteLogbookRow(bool adding, const char* routine);
+    // Entry n with its ImageLog and CCDLog rows removed; the object's Observed flag is
+    // cleared first when no other entry names it. False on a fault.
+    bool RemoveEntry(long long n, const char* routine);
     services::vb::Regional Regional() const;
 
 private:

@@ -931,7 +931,7 @@ void frmLogEntryNew::FieldFocusOut(QWidget* widget, LogField field)
     }
 }
 
-bool frmLogEntryNew::RichKey(QTextEdit& box, QEvent* event)
+bool frmLogEntryNew::RichKey(QTextEdit& box, QEvent* event, QWidget* owner)
 {
     const auto* key = static_cast<QKeyEvent*>(event);
     std::function<void(QTextEdit&)> tool;
@@ -956,7 +956,7 @@ bool frmLogEntryNew::RichKey(QTextEdit& box, QEvent* event)
             break;
         }
     } else if (key->modifiers() == Qt::AltModifier && key->key() == Qt::Key_C) {
-        tool = [this](QTextEdit& b) { ChooseColour(b, this); };
+        tool = [owner](QTextEdit& b) { ChooseColour(b, owner); };
     }
     if (!tool)
         return false;
@@ -980,7 +980,7 @@ bool frmLogEntryNew::eventFilter(QObject* watched, QEvent* event)
     case QEvent::ShortcutOverride:
     case QEvent::KeyPress:
         if (auto* box = qobject_cast<QTextEdit*>(widget))
-            return RichKey(*box, event);
+            return RichKey(*box, event, this);
         break;
     case QEvent::FocusIn:
     case QEvent::FocusOut: {

@@ -48,6 +48,9 @@ public:
 
     // The tool band of a rich box: miBold ... comment, and delete on the session band.
     QToolBar* RichBar(QTextEdit* box) const;
+    // The formatting keys of a rich box (Ctrl+B, U, L, N, R, Alt+C) on a key press or its
+    // shortcut override; true when the event was one of them. owner parents the colour dialog.
+    static bool RichKey(QTextEdit& box, QEvent* event, QWidget* owner);
 
     // The entry fields above the tabs.
     QLineEdit* txtObjectID = nullptr;
@@ -138,7 +141,6 @@ private:
 
     void FieldFocusIn(QWidget* widget, logbook::LogField field);
     void FieldFocusOut(QWidget* widget, logbook::LogField field);
-    bool RichKey(QTextEdit& box, QEvent* event);
     void PickOtherEquipment();
     void SortGrid(int column);
 
