@@ -8,7 +8,21 @@
 #include "spread/AppState.h"
 #include "spread/ui/frmMainScreen.h"
 
+#include <QWidget>
+
 namespace app {
+
+namespace {
+
+// The logbook's windows read the database handles they were opened with; a compaction opens
+// new ones, so the windows close first and take the new handles when opened again.
+void CloseLogbookWindows(spread::frmMainScreen& window)
+{
+    if (auto* entry = window.findChild<QWidget*>("frmLogEntryNew"))
+        entry->close();
+}
+
+} // namespace
 
 void WireBackup(spread::frmMainScreen& window, spread::AppState& state, const astro::Clock& clock)
 {
@@ -26,8 +40,14 @@ void WireBackup(spread::frmMainScreen& window, spread::AppState& state, const as
                                         &window);
         form.exec();
     });
-    dispatcher.SetAction("compactlog", [&state] { CompactLogbookCommand(state); });
-    dispatcher.SetAction("comdat", [&state] { CompactDatabaseCommand(state); });
+    dispatcher.SetAction("compactlog", [&window, &state] {
+        CloseLogbookWindows(window);
+        CompactLogbookCommand(state);
+    });
+    dispatcher.SetAction("comdat", [&window, &state] {
+        CloseLogbookWindows(window);
+        CompactDatabaseCommand(state);
+    });
     // The shut-down traps the step itself, under its own location.
     window.SetAutoBackup([&state] {
         if (state.logbookDb)

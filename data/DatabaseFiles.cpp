@@ -461,8 +461,11 @@ void BackupDatabase(Database& source, const fs::path& target)
     }
 }
 
-std::unique_ptr<Database> OpenRestoreSource(const fs::path& source)
+std::unique_ptr<Database> OpenRestoreSource(const fs::path& source, const fs::path& logbookPath)
 {
+    if (SameFile(logbookPath, source))
+        throw services::Fault(
+            "'" + source.string() + "' is the logbook itself; there is nothing to restore.", "");
     std::error_code ec;
     if (fs::is_directory(source, ec))
         throw services::Fault("'" + source.string() + "' is a folder, not a logbook.", "");
@@ -482,10 +485,7 @@ void RestoreDatabase(const ProgramDir& dir, std::unique_ptr<Database>& logbook,
     if (!logbook)
         throw services::Fault("The logbook is not open.", "");
     const fs::path path = logbook->Path();
-    if (SameFile(path, source))
-        throw services::Fault(
-            "'" + source.string() + "' is the logbook itself; there is nothing to restore.", "");
-    auto from = OpenRestoreSource(source);
+    auto from = OpenRestoreSource(source, path);
     const fs::path keepWal = keep.string() + "-wal";
     std::error_code ec;
     if (fs::exists(keepWal, ec) && fs::file_size(keepWal, ec) > 0)
@@ -505,6 +505,7 @@ void RestoreDatabase(const ProgramDir& dir, std::unique_ptr<Database>& logbook,
         try {
             mode = FirstText(db, "PRAGMA main.journal_mode=DELETE");
         } catch (const services::Fault&) {
+            // A lock held elsewhere refuses the change; the mode left is judged below.
         }
         if (mode != "delete")
             throw services::Fault(

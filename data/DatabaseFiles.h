@@ -98,10 +98,11 @@ bool CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
 // fails or cannot be written; target is then as it was and no partial file is left.
 void BackupDatabase(Database& source, const std::filesystem::path& target);
 
-// The checks a file passes before it may replace the logbook: an SQLite 3 file, whole, with a
-// Logbook table. Returns the open file, read-only.
+// The checks a file passes before it may replace the logbook at logbookPath: another file than
+// the logbook, SQLite 3, whole, with a Logbook table. Returns the open file, read-only.
 // Status: throws services::Fault with a message naming the file.
-std::unique_ptr<Database> OpenRestoreSource(const std::filesystem::path& source);
+std::unique_ptr<Database> OpenRestoreSource(const std::filesystem::path& source,
+                                            const std::filesystem::path& logbookPath);
 
 // Replaces the whole content of the open logbook by the file source, through SQLite's online
 // backup in one transaction, so that a crash at any moment leaves exactly the old or exactly

@@ -102,7 +102,9 @@ bool RestoreLog(services::UiPort& ui, const data::ProgramDir& dir,
                 const std::string& source)
 {
     // A file that cannot take the logbook's place is refused before the question.
-    data::OpenRestoreSource(source);
+    if (!logbook)
+        throw services::Fault("The logbook is not open.", "");
+    data::OpenRestoreSource(source, logbook->Path());
     const std::string keep = dir.Text(data::BeforeRestoreName);
     if (!ui.Ask("Your logbook will be replaced by the backup " + source +
                     ".  The logbook as it stands now will be kept as " + keep +

@@ -105,14 +105,6 @@ TEST(frmAutoBackup, FolderCheckBoxAndOK)
     EXPECT_EQ(s.backups, s.state.prefs.AutoBackupPath);
     data::SettingsStore reread(s.f.dir.File("Selvane2000.ini"));
     EXPECT_EQ(s.backups, reread.Get("AutoBackupPath", ""));
-
-    // Opened again, it shows the folder kept; with the box off, OK stops the copy.
-    frmAutoBackup again(s.ui, s.state.prefs, s.state.settings, data::LogbookName);
-    EXPECT_TRUE(again.Check1->isChecked());
-    EXPECT_EQ(s.backups, again.txtPath->text().toStdString());
-    again.Check1->setChecked(false);
-    again.cmdOK_Click();
-    EXPECT_EQ("", s.state.prefs.AutoBackupPath);
 }
 
 // The menu's backup and compaction reach their routines; the shut-down copies the logbook

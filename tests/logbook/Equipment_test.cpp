@@ -320,8 +320,9 @@ TEST(SyncEquipmentTable, AFailedWriteLeavesTheTableAsItWas)
 // comes back unchanged through its boxes, and no mode is longer than the entry form keeps.
 TEST(ShippedEquipment, RowsAreInTheirColumns)
 {
-    const data::ProgramDir resources{fs::path(__FILE__).parent_path() / ".." / ".." /
-                                     "resources"};
+    // Regression: a path made from __FILE__ is relative to the build folder, so the test
+    // found no lists when CTest ran it from its own folder.
+    const data::ProgramDir resources{fs::path(SELVANE_SOURCE_DIR) / "resources"};
     Port ui;
     const auto scopes = logbook::ReadEquipmentList(ui, resources, EquipmentKind::Scope);
     ASSERT_GE(scopes.size(), 3u);
