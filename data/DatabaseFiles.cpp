@@ -474,6 +474,15 @@ std::unique_ptr<Database> OpenRestoreSource(const fs::path& source, const fs::pa
                                 "name = 'Logbook' COLLATE NOCASE") == "0")
         throw services::Fault(
             "'" + source.string() + "' is not a logbook: it holds no Logbook table.", "");
+    try {
+        FirstText(db->Handle(), "SELECT ObservationNumber, ObjectID, Catalog, DateObserved, "
+                                "TimeObserved FROM Logbook LIMIT 0");
+    } catch (const services::Fault& fault) {
+        throw services::Fault("'" + source.string() +
+                                  "' is not a logbook: its Logbook table lacks a field (" +
+                                  fault.what() + ").",
+                              "");
+    }
     if (const std::string check = FirstText(db->Handle(), "PRAGMA quick_check"); check != "ok")
         throw services::Fault("'" + source.string() + "' is damaged: " + check, "");
     return db;

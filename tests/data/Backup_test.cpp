@@ -94,6 +94,9 @@ TEST(RestoreDatabase, FilesThatAreNoLogbookAreRefused)
     const std::string objects = l.f.objectPath.string();
     MakeObjectDatabase(objects);
     const std::string missing = l.f.dir.Text("gone.mdb");
+    const std::string other = l.f.dir.Text("other.mdb");
+    data::Database::Open(other, data::OpenOptions{.create = true})
+        ->Execute("Create Table Logbook (Observer Text)");
     const std::string folder = l.f.dir.path.string();
     struct Row
     {
@@ -106,6 +109,9 @@ TEST(RestoreDatabase, FilesThatAreNoLogbookAreRefused)
                   "' is a Jet database of the earlier edition, which Selvane cannot read. "
                   "Selvane reads SQLite 3 databases only."},
         {objects, "'" + objects + "' is not a logbook: it holds no Logbook table."},
+        {other, "'" + other +
+                    "' is not a logbook: its Logbook table lacks a field (no such column: "
+                    "ObservationNumber)."},
         {folder, "'" + folder + "' is a folder, not a logbook."},
         {l.path, "'" + l.path + "' is the logbook itself; there is nothing to restore."},
     };
