@@ -201,6 +201,23 @@ void ReplaceByRename(const fs::path& from, const fs::path& to)
     SyncPath(FolderOf(to), true);
 }
 
+// Takes a database file out of write-ahead mode, which folds its log into it and removes the
+// log; false when another connection holds the file open.
+bool LeaveWriteAheadMode(const fs::path& path)
+{
+    sqlite3* db = nullptr;
+    bool alone = false;
+    if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+        try {
+            alone = FirstText(db, "PRAGMA journal_mode=DELETE") == "delete";
+        } catch (const services::Fault&) {
+            // A lock held elsewhere refuses the change.
+        }
+    }
+    sqlite3_close_v2(db);
+    return alone;
+}
+
 // The compaction shared by the object database and the logbook: a compact copy in db1.mdb,
 // checked and written to the disk, then renamed over the original.
 void CompactFile(const ProgramDir& dir, const fs::path& original,
@@ -248,12 +265,15 @@ void CompactFile(const ProgramDir& dir, const fs::path& original,
 
         step(CompactStep::ReplaceOriginal);
         // A write-ahead log left beside the original belongs to it and would be applied to the
-        // copy: it means another program still has the file open.
+        // copy; its shared-memory file means another program may have the file open, and its
+        // writes would go to the replaced file. Leaving write-ahead mode needs the file alone.
         const fs::path wal = original.string() + "-wal";
-        if (fs::exists(wal) && fs::file_size(wal, ec) > 0)
-            throw services::Fault("'" + original.string() +
-                                      "' is in use by another program; it was not compacted.",
-                                  "");
+        if (fs::exists(original.string() + "-shm", ec) ||
+            (fs::exists(wal, ec) && fs::file_size(wal, ec) > 0))
+            if (!LeaveWriteAheadMode(original))
+                throw services::Fault("'" + original.string() +
+                                          "' is in use by another program; it was not compacted.",
+                                      "");
         fs::remove(wal, ec);
         fs::remove(original.string() + "-shm", ec);
         fs::rename(target, original, ec);

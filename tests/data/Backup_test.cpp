@@ -5,6 +5,7 @@
 
 #include "TestDatabases.h"
 #include "services/Fault.h"
+#include "services/ScriptedUiPort.h"
 
 #include <gtest/gtest.h>
 
@@ -160,3 +161,28 @@ TEST(RestoreDatabase, ReplacesContentKeepsTheOldAndUndoes)
 }
 
 } // namespace
+
+// Regression: with another connection holding the logbook and its write-ahead log just reset
+// to empty, the compact copy was renamed over the file that connection went on writing to.
+TEST(CompactSelvaneLogbook, RefusedWhileAnotherConnectionHoldsIt)
+{
+    Logbook l;
+    services::ScriptedUiPort ui;
+    ui.echo = false;
+    ui.answers = {true};
+    data::OpenOptions wal;
+    wal.wal = true;
+    auto other = data::Database::Open(l.path, wal);
+    One(*other, "PRAGMA wal_checkpoint(TRUNCATE)");
+    try {
+        data::CompactSelvaneLogbook(ui, l.f.dir, l.db, l.path);
+        ADD_FAILURE() << "no fault";
+    } catch (const services::Fault& e) {
+        EXPECT_EQ("'" + l.path + "' is in use by another program; it was not compacted.",
+                  std::string(e.what()));
+    }
+    other->Execute("Insert Into Logbook (ObservationNumber, ObjectID) Values (3, 'NGC 7000')");
+    other.reset();
+    ASSERT_TRUE(l.db);
+    EXPECT_EQ(3, CountRows(*l.db, "Logbook"));
+}
