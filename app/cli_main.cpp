@@ -6,9 +6,12 @@
 // SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists),
 // whatsup (the What's Up wizard), constellation (the constellation of a position), outside
 // (the outside window from a script).
+// whatsup (the What's Up wizard), constellation (the constellation of a position),
+// backup, restore and compact (the logbook's copies, the compaction of the databases).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
+#include "app/BackupCommand.h"
 #include "app/CliOptions.h"
 #include "app/ConstellationCommand.h"
 #include "app/EquipmentCommand.h"
@@ -112,6 +115,24 @@ const std::map<std::string, Command>& Commands()
               return app::RunOutsideCommand(TMM, args, std::cin, std::cout, clock);
           },
           app::OutsideUsage}},
+        {"backup",
+         {app::CheckBackupArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunBackupCommand(TMM, args, std::cout, clock);
+          },
+          app::BackupUsage}},
+        {"restore",
+         {app::CheckRestoreArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) { return app::RunRestoreCommand(TMM, args); },
+          app::RestoreUsage}},
+        {"compact",
+         {app::CheckCompactArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) { return app::RunCompactCommand(TMM, args); },
+          app::CompactUsage}},
     };
     return commands;
 }

@@ -1,5 +1,6 @@
 // selvane: the program with its windows.
 
+#include "app/BackupWiring.h"
 #include "app/LogbookWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -71,6 +72,7 @@ int main(int argc, char* argv[])
     windowPointer = &window;
     ui.SetParent(&window);
     app::WireLogbook(window, state, ui, clock, state.current);
+    app::WireBackup(window, state, clock);
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)

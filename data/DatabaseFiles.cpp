@@ -102,6 +102,122 @@ void SyncPath(const fs::path& path, bool directory)
         throw services::Fault("Cannot write '" + path.string() + "' to the disk.", "");
 }
 
+fs::path FolderOf(const fs::path& path)
+{
+    return path.parent_path().empty() ? fs::path(".") : path.parent_path();
+}
+
+bool SameFile(const fs::path& a, const fs::path& b)
+{
+    std::error_code ec;
+    return fs::equivalent(a, b, ec) && !ec;
+}
+
+// The first column of the first row of a statement on a raw connection; empty for no row.
+std::string FirstText(sqlite3* db, const std::string& sql)
+{
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(db, sql.c_str(), -1, &stmt, nullptr) != SQLITE_OK)
+        throw services::Fault(sqlite3_errmsg(db), "");
+    const int rc = sqlite3_step(stmt);
+    std::string text;
+    if (rc == SQLITE_ROW && sqlite3_column_text(stmt, 0))
+        text = reinterpret_cast<const char*>(sqlite3_column_text(stmt, 0));
+    sqlite3_finalize(stmt);
+    if (rc != SQLITE_ROW && rc != SQLITE_DONE)
+        throw services::Fault(sqlite3_errmsg(db), "");
+    return text;
+}
+
+// Copies the main database of one connection into another in one step of SQLite's online
+// backup, waiting while another connection holds a lock. Returns the failing code, or
+// SQLITE_OK.
+int CopyPages(sqlite3* to, sqlite3* from)
+{
+    sqlite3_backup* backup = sqlite3_backup_init(to, "main", from, "main");
+    if (!backup)
+        return sqlite3_errcode(to);
+    int rc = SQLITE_OK;
+    for (int tries = 0; tries < 100; ++tries) {
+        rc = sqlite3_backup_step(backup, -1);
+        if (rc != SQLITE_BUSY && rc != SQLITE_LOCKED)
+            break;
+        sqlite3_sleep(50);
+    }
+    const int finish = sqlite3_backup_finish(backup);
+    return rc == SQLITE_DONE ? finish : rc;
+}
+
+// Writes a checked copy of the main database of source to path, on the disk but not yet under
+// its final name. A failure removes what was written.
+void WriteCopy(sqlite3* source, const fs::path& path)
+{
+    std::error_code ec;
+    fs::remove(path, ec);
+    fs::remove(path.string() + "-journal", ec);
+    sqlite3* copy = nullptr;
+    try {
+        if (sqlite3_open_v2(path.c_str(), &copy, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                            nullptr) != SQLITE_OK)
+            throw services::Fault("Cannot write '" + path.string() +
+                                      "': " + (copy ? sqlite3_errmsg(copy) : "out of memory"),
+                                  "");
+        if (CopyPages(copy, source) != SQLITE_OK)
+            throw services::Fault("Cannot write '" + path.string() + "': " + sqlite3_errmsg(copy),
+                                  "");
+        // The pages carry the source's journal mode; a copy is one file on its own.
+        FirstText(copy, "PRAGMA journal_mode=DELETE");
+        if (const std::string check = FirstText(copy, "PRAGMA quick_check"); check != "ok")
+            throw services::Fault("The copy '" + path.string() + "' is damaged: " + check, "");
+        if (sqlite3_close(copy) != SQLITE_OK)
+            throw services::Fault("Cannot write '" + path.string() + "': " + sqlite3_errmsg(copy),
+                                  "");
+        copy = nullptr;
+        SyncPath(path, false);
+    } catch (...) {
+        if (copy)
+            sqlite3_close_v2(copy);
+        fs::remove(path, ec);
+        fs::remove(path.string() + "-journal", ec);
+        throw;
+    }
+}
+
+// Puts the finished file from in place of to by one rename, and writes the folder to the disk.
+// A write-ahead log beside to belongs to the old file and would be applied to the new one: it
+// means another program has it open.
+void ReplaceByRename(const fs::path& from, const fs::path& to)
+{
+    std::error_code ec;
+    const fs::path wal = to.string() + "-wal";
+    if (fs::exists(wal, ec) && fs::file_size(wal, ec) > 0)
+        throw services::Fault(
+            "'" + to.string() + "' is in use by another program; it was left as it was.", "");
+    fs::remove(wal, ec);
+    fs::remove(to.string() + "-shm", ec);
+    fs::rename(from, to, ec);
+    if (ec)
+        throw services::Fault("Cannot replace '" + to.string() + "': " + ec.message(), "");
+    SyncPath(FolderOf(to), true);
+}
+
+// Takes a database file out of write-ahead mode, which folds its log into it and removes the
+// log; false when another connection holds the file open.
+bool LeaveWriteAheadMode(const fs::path& path)
+{
+    sqlite3* db = nullptr;
+    bool alone = false;
+    if (sqlite3_open_v2(path.c_str(), &db, SQLITE_OPEN_READWRITE, nullptr) == SQLITE_OK) {
+        try {
+            alone = FirstText(db, "PRAGMA journal_mode=DELETE") == "delete";
+        } catch (const services::Fault&) {
+            // A lock held elsewhere refuses the change.
+        }
+    }
+    sqlite3_close_v2(db);
+    return alone;
+}
+
 // The compaction shared by the object database and the logbook: a compact copy in db1.mdb,
 // checked and written to the disk, then renamed over the original.
 void CompactFile(const ProgramDir& dir, const fs::path& original,
@@ -149,19 +265,22 @@ void CompactFile(const ProgramDir& dir, const fs::path& original,
 
         step(CompactStep::ReplaceOriginal);
         // A write-ahead log left beside the original belongs to it and would be applied to the
-        // copy: it means another program still has the file open.
+        // copy; its shared-memory file means another program may have the file open, and its
+        // writes would go to the replaced file. Leaving write-ahead mode needs the file alone.
         const fs::path wal = original.string() + "-wal";
-        if (fs::exists(wal) && fs::file_size(wal, ec) > 0)
-            throw services::Fault("'" + original.string() +
-                                      "' is in use by another program; it was not compacted.",
-                                  "");
+        if (fs::exists(original.string() + "-shm", ec) ||
+            (fs::exists(wal, ec) && fs::file_size(wal, ec) > 0))
+            if (!LeaveWriteAheadMode(original))
+                throw services::Fault("'" + original.string() +
+                                          "' is in use by another program; it was not compacted.",
+                                      "");
         fs::remove(wal, ec);
         fs::remove(original.string() + "-shm", ec);
         fs::rename(target, original, ec);
         if (ec)
             throw services::Fault("Cannot replace '" + original.string() + "': " + ec.message(),
                                   "");
-        SyncPath(original.parent_path().empty() ? fs::path(".") : original.parent_path(), true);
+        SyncPath(FolderOf(original), true);
 
         step(CompactStep::Reopen);
         reopen();
@@ -295,20 +414,20 @@ std::string CheckConvertLog(services::UiPort& ui, const ProgramDir& dir)
     return {};
 }
 
-void CompactSelvaneDatabase(services::UiPort& ui, const ProgramDir& dir, Preferences& prefs,
+bool CompactSelvaneDatabase(services::UiPort& ui, const ProgramDir& dir, Preferences& prefs,
                             SettingsStore& store, std::unique_ptr<Database>& objectDb,
                             const MountSource& mounts, const CompactHook& hook)
 {
     const std::string cd = FindCdDrive(ui, mounts);
     if (StartsWith(prefs.cdDrive, cd)) {
         ui.ShowMessage("You cannot compact the database since it resides on a CD-ROM drive.",
-                       "INVALID OPERATION", "E");
-        return;
+                       "INVALID OPERATION", "I");
+        return false;
     }
     if (!ui.Ask("Have you made a backup of your Selvane database " + prefs.cdDrive +
                     "? You must answer YES to continue ",
-                "Compact Database", false))
-        return;
+                "Compact Database", true))
+        return false;
     ui.ShowMessage("Selvane will now compact the currently selected database.  This operation "
                    "will only work if the database is located on your hard drive and will take "
                    "some time to complete.",
@@ -323,17 +442,18 @@ void CompactSelvaneDatabase(services::UiPort& ui, const ProgramDir& dir, Prefere
         hook);
     ui.ShowMessage("Your database has been compacted and repaired successfully.",
                    "Compact and Repair Database", "I");
+    return true;
 }
 
-void CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
+bool CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
                            std::unique_ptr<Database>& logbook, std::string& logbookPath,
                            const CompactHook& hook)
 {
     const std::string path = logbookPath.empty() ? dir.Text(LogbookName) : logbookPath;
     if (!ui.Ask("Have you made a backup of your Selvane Logbook " + path +
                     "? You must answer YES to continue ",
-                "Compact and Repair Logbook", false))
-        return;
+                "Compact and Repair Logbook", true))
+        return false;
     ui.ShowMessage("Selvane will now compact and repair your logbook.",
                    "Compact and Repair Logbook", "I");
     CompactFile(
@@ -341,6 +461,109 @@ void CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
         [&] { OpenTheDatabase(dir, logbook, logbookPath); }, hook);
     ui.ShowMessage("Your logbook has been compacted and repaired successfully.",
                    "Compact and Repair Logbook", "I");
+    return true;
+}
+
+void BackupDatabase(Database& source, const fs::path& target)
+{
+    if (SameFile(source.Path(), target))
+        throw services::Fault("'" + target.string() +
+                                  "' is the database itself; a backup must go to another file.",
+                              "");
+    const fs::path partial = target.string() + ".partial";
+    WriteCopy(source.Handle(), partial);
+    try {
+        ReplaceByRename(partial, target);
+    } catch (...) {
+        std::error_code ec;
+        fs::remove(partial, ec);
+        throw;
+    }
+}
+
+std::unique_ptr<Database> OpenRestoreSource(const fs::path& source, const fs::path& logbookPath)
+{
+    if (SameFile(logbookPath, source))
+        throw services::Fault(
+            "'" + source.string() + "' is the logbook itself; there is nothing to restore.", "");
+    std::error_code ec;
+    if (fs::is_directory(source, ec))
+        throw services::Fault("'" + source.string() + "' is a folder, not a logbook.", "");
+    auto db = Database::Open(source, OpenOptions{.readOnly = true});
+    if (FirstText(db->Handle(), "SELECT count(*) FROM sqlite_master WHERE type = 'table' AND "
+                                "name = 'Logbook' COLLATE NOCASE") == "0")
+        throw services::Fault(
+            "'" + source.string() + "' is not a logbook: it holds no Logbook table.", "");
+    try {
+        FirstText(db->Handle(), "SELECT ObservationNumber, ObjectID, Catalog, DateObserved, "
+                                "TimeObserved FROM Logbook LIMIT 0");
+    } catch (const services::Fault& fault) {
+        throw services::Fault("'" + source.string() +
+                                  "' is not a logbook: its Logbook table lacks a field (" +
+                                  fault.what() + ").",
+                              "");
+    }
+    if (const std::string check = FirstText(db->Handle(), "PRAGMA quick_check"); check != "ok")
+        throw services::Fault("'" + source.string() + "' is damaged: " + check, "");
+    return db;
+}
+
+void RestoreDatabase(const ProgramDir& dir, std::unique_ptr<Database>& logbook,
+                     std::string& logbookPath, const fs::path& source, const fs::path& keep)
+{
+    if (!logbook)
+        throw services::Fault("The logbook is not open.", "");
+    const fs::path path = logbook->Path();
+    auto from = OpenRestoreSource(source, path);
+    const fs::path keepWal = keep.string() + "-wal";
+    std::error_code ec;
+    if (fs::exists(keepWal, ec) && fs::file_size(keepWal, ec) > 0)
+        throw services::Fault("'" + keep.string() +
+                                  "' is in use by another program; the logbook was not restored.",
+                              "");
+
+    // The logbook as it stands is written beside keep and takes that name only after the
+    // restore, so that a restore from the kept file itself reads it as it was.
+    const fs::path keepPartial = keep.string() + ".partial";
+    WriteCopy(logbook->Handle(), keepPartial);
+    sqlite3* db = logbook->Handle();
+    try {
+        // Out of write-ahead mode the copy may change the page size; the rollback journal keeps
+        // the one transaction whole. Another connection keeps the mode: the file is in use.
+        std::string mode;
+        try {
+            mode = FirstText(db, "PRAGMA main.journal_mode=DELETE");
+        } catch (const services::Fault&) {
+            // A lock held elsewhere refuses the change; the mode left is judged below.
+        }
+        if (mode != "delete")
+            throw services::Fault(
+                "'" + path.string() + "' is in use by another program; it was not restored.", "");
+        if (CopyPages(db, from->Handle()) != SQLITE_OK) {
+            const std::string message = sqlite3_errmsg(db);
+            throw services::Fault("Cannot restore '" + path.string() + "' from '" +
+                                      source.string() + "': " + message,
+                                  "");
+        }
+    } catch (...) {
+        fs::remove(keepPartial, ec);
+        try {
+            FirstText(db, "PRAGMA main.journal_mode=WAL");
+        } catch (const services::Fault&) {
+            // Opening the logbook again sets the mode.
+        }
+        throw;
+    }
+    from.reset();
+    logbook.reset();
+    try {
+        ReplaceByRename(keepPartial, keep);
+    } catch (...) {
+        fs::remove(keepPartial, ec);
+        OpenTheDatabase(dir, logbook, logbookPath);
+        throw;
+    }
+    OpenTheDatabase(dir, logbook, logbookPath);
 }
 
 } // namespace data

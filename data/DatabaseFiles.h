@@ -22,6 +22,8 @@ inline constexpr const char* ObjectDatabaseName = "SelvPro708000.mdb";
 inline constexpr const char* LogbookName = "Logbook2003-1.mdb";
 inline constexpr const char* CompactTargetName = "db1.mdb";
 inline constexpr const char* ConvertListName = "convertlog.txt";
+// Where a restore keeps the logbook it replaces, in the program folder.
+inline constexpr const char* BeforeRestoreName = "LogbookBeforeRestore.mdb";
 
 // The operating system's mount table as the text of /proc/self/mountinfo. Tests inject their
 // own; the default reads the file.
@@ -77,15 +79,39 @@ using CompactHook = std::function<void(CompactStep)>;
 // question and notices of the command. The compact copy replaces the original by an atomic
 // rename, so a failure at any step leaves the original file, whole, under its name; the handle
 // is opened again in every case.
+// Returned: true when compacted; false when it stopped at the media test or the question.
 // Status: throws services::Fault on a failure, after reopening.
-void CompactSelvaneDatabase(services::UiPort& ui, const ProgramDir& dir, Preferences& prefs,
+bool CompactSelvaneDatabase(services::UiPort& ui, const ProgramDir& dir, Preferences& prefs,
                             SettingsStore& store, std::unique_ptr<Database>& objectDb,
                             const MountSource& mounts = ReadMountInfo,
                             const CompactHook& hook = {});
 
 // The same for the logbook at logbookPath, without the media test.
-void CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
+bool CompactSelvaneLogbook(services::UiPort& ui, const ProgramDir& dir,
                            std::unique_ptr<Database>& logbook, std::string& logbookPath,
                            const CompactHook& hook = {});
+
+// Writes a copy of the open database's main file to target, whole or not at all: the copy is
+// made by SQLite's online backup into target's name with ".partial" added, checked, written
+// to the disk with its folder, then renamed over target. The copy keeps no write-ahead log.
+// Status: throws services::Fault naming target when it is the database itself, when the copy
+// fails or cannot be written; target is then as it was and no partial file is left.
+void BackupDatabase(Database& source, const std::filesystem::path& target);
+
+// The checks a file passes before it may replace the logbook at logbookPath: another file than
+// the logbook, SQLite 3, whole, with a Logbook table. Returns the open file, read-only.
+// Status: throws services::Fault with a message naming the file.
+std::unique_ptr<Database> OpenRestoreSource(const std::filesystem::path& source,
+                                            const std::filesystem::path& logbookPath);
+
+// Replaces the whole content of the open logbook by the file source, through SQLite's online
+// backup in one transaction, so that a crash at any moment leaves exactly the old or exactly
+// the new content. The logbook is copied to keep first (BackupDatabase), and the handle is
+// opened again afterwards (OpenTheDatabase: schema brought up to date, write-ahead log).
+// Status: throws services::Fault when source fails OpenRestoreSource, is the logbook itself,
+// or the logbook is in use by another program; the logbook is then untouched and open.
+void RestoreDatabase(const ProgramDir& dir, std::unique_ptr<Database>& logbook,
+                     std::string& logbookPath, const std::filesystem::path& source,
+                     const std::filesystem::path& keep);
 
 } // namespace data

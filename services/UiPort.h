@@ -29,6 +29,7 @@ enum class BusyKind
     Loading,  // loading a list into the grid
     Printing, // laying out a report
     Working,  // anything else
+    Saving,   // the automatic logbook copy at shut-down
 };
 
 class UiPort

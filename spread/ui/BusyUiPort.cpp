@@ -17,6 +17,8 @@ BusyTexts BusyTextsFor(services::BusyKind kind)
         return {"Loading Objects - Click *Here to Stop*", "Please Wait ..."};
     case services::BusyKind::Printing:
         return {"Printing - Click *Here to Stop*", "Please Wait ..."};
+    case services::BusyKind::Saving:
+        return {"Saving", "Please Wait ..."};
     case services::BusyKind::Working:
         break;
     }

@@ -970,8 +970,11 @@ void frmMainScreen::closeEvent(QCloseEvent* event)
     event->accept();
 }
 
-// Logbook backups arrive with the logbook; until then there is nothing to copy.
-void frmMainScreen::AutoBackupLogbook() {}
+void frmMainScreen::AutoBackupLogbook()
+{
+    if (autoBackup_)
+        autoBackup_();
+}
 
 // Telescope links arrive with the telescope drivers; until then no link can be open.
 void frmMainScreen::DisconnectTelescope() {}

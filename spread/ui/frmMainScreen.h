@@ -156,6 +156,8 @@ public:
     const RealTimeTimers& RealTime() const { return realTime_; }
 
     void CloseApplication();
+    // The automatic logbook copy of the shut-down; it decides itself whether the copy is due.
+    void SetAutoBackup(std::function<void()> backup) { autoBackup_ = std::move(backup); }
     bool ClosingDown() const { return shutDown_->ClosingDown(); }
 
     // The tool of a key (one action however many bands it stands in); nullptr for none.
@@ -199,8 +201,8 @@ private:
     void TabChanged(int tab);
     void ShowRowCount(int tab);
     void RebuildToolbarIcons();
-    // Shut-down steps whose subsystems are not in this version: they do nothing yet.
     void AutoBackupLogbook();
+    // A shut-down step whose subsystem is not in this version: it does nothing yet.
     void DisconnectTelescope();
     void SaveCommandBarLayout();
 
@@ -210,6 +212,7 @@ private:
     MainScreenHooks hooks_;
     std::unique_ptr<CommandDispatcher> dispatcher_;
     std::unique_ptr<ShutDown> shutDown_;
+    std::function<void()> autoBackup_;
     NightVision night_;
     std::map<std::string, QAction*, std::less<>> tools_;
     QMenu* gridmenu_ = nullptr;
