@@ -680,8 +680,10 @@ OalDocument ReadOal(LogContext& ctx, const std::filesystem::path& file)
             if (target == targets.end())
                 throw std::runtime_error("its target \"" + n.Text("target") +
                                          "\" is not in the file");
-            QDateTime begin = QDateTime::fromString(Q(n.Text("begin")), Qt::ISODate);
-            if (!begin.isValid())
+            // An XML date and time: the date, "T", the time, an optional offset.
+            const QString beginText = Q(n.Text("begin"));
+            QDateTime begin = QDateTime::fromString(beginText, Qt::ISODate);
+            if (!begin.isValid() || beginText.size() < 19 || beginText[10] != QChar('T'))
                 throw std::runtime_error("its begin \"" + n.Text("begin") +
                                          "\" is not a date and time");
             const auto site = sites.find(n.Text("site"));
