@@ -292,12 +292,30 @@ std::vector<std::string> SplitStoredLines(const std::string& text)
 
 int ExportOal(LogContext& ctx, const std::filesystem::path& file, const std::string& sql)
 {
+    // The query chooses the entries and their order; each is written whole, whatever columns
+    // the query gives.
     std::vector<ImportRow> entries;
     {
-        auto rs = ctx.logbook->OpenRecordset(
-            sql.empty() ? "Select * From Logbook Order By ObservationNumber" : sql, data::Snapshot);
+        auto rs = ctx.logbook->OpenRecordset("Select * From Logbook Order By ObservationNumber",
+                                             data::Snapshot);
         for (; !rs.Eof(); rs.MoveNext())
             entries.push_back(ReadRow(rs));
+    }
+    if (!sql.empty()) {
+        std::map<long long, std::size_t> byNumber;
+        for (std::size_t i = 0; i < entries.size(); ++i)
+            byNumber.emplace(std::atoll(Str(entries[i], "ObservationNumber").c_str()), i);
+        std::vector<ImportRow> chosen;
+        std::set<long long> seen;
+        auto rs = ctx.logbook->OpenRecordset(sql, data::Snapshot);
+        if (!rs.HasField("ObservationNumber"))
+            throw services::Fault("The query does not give the column ObservationNumber.",
+                                  ExportLocation);
+        for (data::Field number = rs.Fields("ObservationNumber"); !rs.Eof(); rs.MoveNext())
+            if (auto found = byNumber.find(number.Long());
+                found != byNumber.end() && seen.insert(number.Long()).second)
+                chosen.push_back(entries[found->second]);
+        entries = std::move(chosen);
     }
     std::map<long long, ImportRow> ccd;
     std::map<long long, std::vector<ImportRow>> images;

@@ -1,6 +1,7 @@
 #include "LogTestSession.h"
 
 #include "logbook/OalExchange.h"
+#include "services/Fault.h"
 
 #include <QFile>
 #include <QProcess>
@@ -123,12 +124,18 @@ TEST(OalExport, ValidDocumentWithItsMapping)
         EXPECT_NE(std::string::npos, xml.find(expected)) << expected;
     EXPECT_EQ(std::string::npos, xml.find("<seeing>6")) << "a blank seeing has no number";
 
-    // Universal Time; a query's choice.
+    // Universal Time; a query's choice, each entry written whole whatever columns it gives.
     s.prefs.tLogTime = "U.T.";
     EXPECT_EQ(1, logbook::ExportOal(s.context, file,
-                                    "Select * From Logbook Where ObjectID = 'Mystery 1'"));
+                                    "Select ObservationNumber From Logbook Where ObjectID = "
+                                    "'Mystery 1'"));
     EXPECT_EQ("", SchemaErrors(file));
     EXPECT_NE(std::string::npos, ReadText(file).find("<begin>2026-03-09T23:59:59Z</begin>"));
+    EXPECT_NE(std::string::npos, ReadText(file).find("\"EquipmentUsed\":\"Binoculars\""));
+    EXPECT_THROW(logbook::ExportOal(s.context, file, "Select ObjectID From Logbook"),
+                 services::Fault);
+    EXPECT_NE(std::string::npos, ReadText(file).find("Mystery 1"))
+        << "a failed export keeps the file";
 
     // An empty logbook still gives a valid document.
     LogSession empty;
