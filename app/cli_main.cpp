@@ -8,6 +8,8 @@
 // (the outside window from a script).
 // whatsup (the What's Up wizard), constellation (the constellation of a position),
 // backup, restore and compact (the logbook's copies, the compaction of the databases).
+// whatsup (the What's Up wizard), constellation (the constellation of a position), oal (the
+// logbook in an Open Astronomy Log file).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -19,6 +21,7 @@
 #include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
 #include "app/OutsideCommand.h"
+#include "app/OalCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -133,6 +136,13 @@ const std::map<std::string, Command>& Commands()
           [](spread::AppState& TMM, const spread::LoadFormResult&,
              const std::vector<std::string>& args) { return app::RunCompactCommand(TMM, args); },
           app::CompactUsage}},
+        {"oal",
+         {app::CheckOalArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunOalCommand(TMM, args, std::cout);
+          },
+          app::OalUsage}},
     };
     return commands;
 }

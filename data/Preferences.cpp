@@ -264,6 +264,7 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("PaintGrain", "PaintGrain", p.PaintGrain, 10);
     visit("staticpainteffect", "Staticpainteffect", p.staticpainteffect, 52);
     visit("gTimeServer", "gTimeServer", p.gTimeServer, S("pool.ntp.org"));
+    visit("ObserverName", "ObserverName", p.ObserverName, S());
 }
 
 bool SameKey(const std::string& a, const std::string& b)

@@ -154,6 +154,7 @@ struct Preferences
     int PaintGrain = 10;
     int staticpainteffect = 52;
     std::string gTimeServer = "pool.ntp.org";
+    std::string ObserverName; // the observer named in exported logs
 };
 
 // The program's version numbers, written by SavePreferences as major, minor and revision.

@@ -231,7 +231,10 @@ ImportResult ImportEntries(LogContext& ctx, const ImportBatch& batch,
             if (Blank(r["LogType"]))
                 r["LogType"] = logType;
             const std::string id = Text(r, "ObjectID"), catalog = Text(r, "Catalog");
-            const long long key = ObjectKey(ctx.objectDb, id, catalog);
+            const auto object = std::make_pair(vb::UCase(id), catalog);
+            auto known = logged.find(object);
+            const long long key =
+                known != logged.end() ? known->second : ObjectKey(ctx.objectDb, id, catalog);
             r["DataRec"] = std::to_string(key);
             const long long number = w.Insert("Logbook", r);
             const std::string n = std::to_string(number);
@@ -246,7 +249,7 @@ ImportResult ImportEntries(LogContext& ctx, const ImportBatch& batch,
                 w.Insert("ImageLog", img);
             }
             result.numbers.push_back(number);
-            logged.emplace(std::make_pair(vb::UCase(id), catalog), key);
+            logged.emplace(object, key);
         }
         w.Exec("COMMIT");
     } catch (...) {
@@ -258,6 +261,9 @@ ImportResult ImportEntries(LogContext& ctx, const ImportBatch& batch,
     // is told once and never takes an entry back.
     if (ctx.prefs.UseCd || !ctx.objectDb)
         return result;
+    // One transaction for all the flags: a commit per object would be a disc sync per object.
+    sqlite3* objects = ctx.objectDb->Handle();
+    const bool batched = sqlite3_exec(objects, "BEGIN", nullptr, nullptr, nullptr) == SQLITE_OK;
     bool told = false;
     for (const auto& [object, key] : logged) {
         const auto& [id, catalog] = object;
@@ -269,6 +275,12 @@ ImportResult ImportEntries(LogContext& ctx, const ImportBatch& batch,
             services::TrapSilently(ctx.ui, location, mark);
         else
             told = !services::Trap(ctx.ui, location, mark);
+    }
+    if (batched && sqlite3_exec(objects, "COMMIT", nullptr, nullptr, nullptr) != SQLITE_OK) {
+        const std::string message = sqlite3_errmsg(objects);
+        sqlite3_exec(objects, "ROLLBACK", nullptr, nullptr, nullptr);
+        if (!told)
+            ctx.ui.ReportFault(message, "ImportEntries.UpdateSelvaneTable");
     }
     return result;
 }
