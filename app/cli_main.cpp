@@ -4,7 +4,8 @@
 //
 // Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
 // SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists),
-// whatsup (the What's Up wizard), constellation (the constellation of a position).
+// whatsup (the What's Up wizard), constellation (the constellation of a position), logspread
+// (the log view), logsearch (the logbook search).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -13,6 +14,7 @@
 #include "app/EquipmentCommand.h"
 #include "app/GridCommand.h"
 #include "app/LogCommand.h"
+#include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -94,6 +96,22 @@ const std::map<std::string, Command>& Commands()
               return app::RunConstellationCommand(TMM.dir, TMM.ui, args, std::cin, std::cout);
           },
           app::ConstellationUsage}},
+        {"logspread",
+         {app::CheckLogSpreadArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunLogSpreadCommand(TMM, args, std::cout, clock);
+          },
+          app::LogSpreadUsage}},
+        {"logsearch",
+         {app::CheckLogSearchArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunLogSearchCommand(TMM, args, std::cout, clock);
+          },
+          app::LogSearchUsage}},
     };
     return commands;
 }
