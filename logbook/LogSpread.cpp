@@ -5,11 +5,15 @@
 
 #include <QDate>
 #include <QString>
+#include <QTextDocument>
 
 #include <algorithm>
+#include <cctype>
 #include <fstream>
 #include <numeric>
 #include <sstream>
+#include <unordered_map>
+#include <unordered_set>
 #include <variant>
 
 namespace logbook {
@@ -55,6 +59,27 @@ std::optional<data::Field> Optional(data::Recordset& rs, const char* name)
 std::string TextOf(const std::optional<data::Field>& field)
 {
     return field ? field->Value() : std::string();
+}
+
+// Whether notes have words, read quickly: a letter or digit outside markup (and outside the
+// head of an HTML page) is a word; anything else is decided by RichIsBlank.
+bool HasNotes(std::string_view text)
+{
+    const std::size_t body = text.find("<body");
+    std::size_t i = body == std::string_view::npos ? 0 : body;
+    const bool markup = Qt::mightBeRichText(
+        QString::fromUtf8(text.data(), static_cast<int>(std::min<std::size_t>(text.size(), 512))));
+    bool inTag = false;
+    for (; i < text.size(); ++i) {
+        const char c = text[i];
+        if (markup && c == '<')
+            inTag = true;
+        else if (markup && c == '>')
+            inTag = false;
+        else if (!inTag && std::isalnum(static_cast<unsigned char>(c)))
+            return true;
+    }
+    return !RichIsBlank(text);
 }
 
 std::string Check(bool on)
@@ -277,6 +302,17 @@ bool LogSpread::LoadTheGrid()
             throw services::Fault(SqlFailedText + sql, "");
         }
         data::Recordset& rs = *opened;
+        // The observations that have a row in ImageLog, read once rather than one look-up per
+        // record.
+        std::unordered_set<long long> withImages;
+        std::unordered_map<std::string, std::string> dateCells;
+        {
+            auto images = ctx_.logbook->OpenRecordset("Select ObservationNumber From ImageLog",
+                                                      data::Snapshot);
+            auto imageNumber = images.Fields(0);
+            for (; !images.Eof(); images.MoveNext())
+                withImages.insert(imageNumber.Long());
+        }
         std::array<std::optional<data::Field>, kLogSpreadCols> fields;
         for (std::size_t i = 0; i < fields.size(); ++i)
             if (kCellFields[i])
@@ -298,16 +334,15 @@ bool LogSpread::LoadTheGrid()
             const std::string n = TextOf(number);
             row.cells[kSpreadNumberCol - 1] = n;
             row.storedDate = TextOf(date);
-            row.cells[kSpreadDateCol - 1] = LogDateCell(row.storedDate, regional);
-            bool image = false;
-            if (number && !number->IsNull())
-                image = !ctx_.logbook
-                             ->OpenRecordset("Select * From ImageLog where ObservationNumber = " +
-                                                 std::to_string(number->Long()),
-                                             data::Snapshot)
-                             .Eof();
-            row.cells[kSpreadImageCol - 1] = Check(image);
-            const bool hasNotes = notes && !RichIsBlank(notes->Text());
+            // One night's entries share their date: each stored date is formatted once.
+            auto shown = dateCells.find(row.storedDate);
+            if (shown == dateCells.end())
+                shown =
+                    dateCells.emplace(row.storedDate, LogDateCell(row.storedDate, regional)).first;
+            row.cells[kSpreadDateCol - 1] = shown->second;
+            row.cells[kSpreadImageCol - 1] =
+                Check(number && !number->IsNull() && withImages.count(number->Long()) > 0);
+            const bool hasNotes = notes && HasNotes(notes->Text());
             row.cells[kSpreadNotesCol - 1] = Check(hasNotes);
             row.cells[kSpreadDarkFrameCol - 1] = Check(dark && dark->Long() == -1);
             row.cells[kSpreadFlatFieldCol - 1] = Check(flat && flat->Long() == -1);
