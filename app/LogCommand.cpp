@@ -180,20 +180,6 @@ bool VisitFields(logbook::LogEntryForm& form, const LogArgs& a)
     return true;
 }
 
-void PrintLogGrid(const logbook::LogEntryForm& form, std::ostream& out)
-{
-    std::string line;
-    for (std::size_t i = 0; i < logbook::LogGridCaptions.size(); ++i)
-        line += (i ? "\t" : "") + std::string(logbook::LogGridCaptions[i]);
-    out << line << "\n";
-    for (const auto& row : form.grdLog) {
-        line.clear();
-        for (std::size_t i = 0; i < row.size(); ++i)
-            line += (i ? "\t" : "") + logbook::EscapedForLine(row[i]);
-        out << line << "\n";
-    }
-}
-
 // The grid click on observation n; false (and the message) when it is not in the logbook.
 bool ClickObservation(logbook::LogEntryForm& form, long long n)
 {
@@ -247,6 +233,20 @@ int RunClick(spread::AppState& TMM, const spread::LoadFormResult& start, const L
 }
 
 } // namespace
+
+void PrintLogGrid(const logbook::LogEntryForm& form, std::ostream& out)
+{
+    std::string line;
+    for (std::size_t i = 0; i < logbook::LogGridCaptions.size(); ++i)
+        line += (i ? "\t" : "") + std::string(logbook::LogGridCaptions[i]);
+    out << line << "\n";
+    for (const auto& row : form.grdLog) {
+        line.clear();
+        for (std::size_t i = 0; i < row.size(); ++i)
+            line += (i ? "\t" : "") + logbook::EscapedForLine(row[i]);
+        out << line << "\n";
+    }
+}
 
 std::string CheckLogArgs(const std::vector<std::string>& args)
 {

@@ -18,6 +18,7 @@
 // when it stopped (a check, a No, an error), 2 on a usage error.
 
 #include "astro/ObservingClock.h"
+#include "logbook/LogEntryForm.h"
 #include "spread/AppState.h"
 #include "spread/LoadForm.h"
 
@@ -31,6 +32,10 @@ inline constexpr const char* LogUsage =
     "usage: selvane-cli ... log add FIELD=VALUE... | update N FIELD=VALUE... | delete N | "
     "show N | last [--add|--update] [FIELD=VALUE]... | list [--type T] [--find PATTERN] "
     "[--object ID] [--filter-seen] | click ROW [--sql SQL] | fix   [--answer yes|no]...";
+
+// The entry window's grid as log list prints it: the captions, then one line per row, each
+// cell escaped for one line.
+void PrintLogGrid(const logbook::LogEntryForm& form, std::ostream& out);
 
 // The usage error of log's arguments, or empty.
 std::string CheckLogArgs(const std::vector<std::string>& args);

@@ -2,6 +2,7 @@
 
 #include "logbook/LogEntryForm.h"
 #include "logbook/ObservedFlag.h"
+#include "logbook/ui/ctlLogSpread.h"
 #include "logbook/ui/frmEditEquipment.h"
 #include "logbook/ui/frmLogEntryNew.h"
 #include "logbook/ui/frmOutsideMain.h"
@@ -13,7 +14,10 @@
 #include "spread/ui/frmMainScreen.h"
 
 #include <QModelIndex>
+#include <QLabel>
 #include <QPointer>
+#include <QStackedWidget>
+#include <QVBoxLayout>
 #include <QTableView>
 
 namespace app {
@@ -112,6 +116,32 @@ public:
         editor.exec();
     }
 
+    // The log view in the client area, made on first use in the page kept for it.
+    void ShowLogSpread()
+    {
+        if (!DatabasesOpen())
+            return;
+        context_.logbook = state_.logbookDb.get();
+        context_.objectDb = state_.objectDb.get();
+        context_.dir = state_.dir;
+        QStackedWidget& views = window_.ClientViews();
+        auto* page = views.findChild<QWidget*>("ctlLogSpread1");
+        if (!page)
+            return;
+        if (!logView_) {
+            auto* layout = new QVBoxLayout(page);
+            layout->setContentsMargins(0, 0, 0, 0);
+            logView_ = new logbook::ui::ctlLogSpread(context_, page);
+            layout->addWidget(logView_);
+            logView_->openEntry = [this] { Open("R"); };
+            logView_->showCount = [this](const std::string& text) {
+                window_.lblNOM->setText(QString::fromStdString(text));
+            };
+        }
+        views.setCurrentWidget(page);
+        logView_->Show();
+    }
+
     void FixObservations()
     {
         if (!DatabasesOpen())
@@ -127,6 +157,7 @@ private:
     logbook::LogContext context_;
     QPointer<logbook::ui::frmLogEntryNew> entry_;
     QPointer<logbook::ui::frmOutsideMain> outside_;
+    QPointer<logbook::ui::ctlLogSpread> logView_;
 };
 
 } // namespace
@@ -142,6 +173,8 @@ void WireLogbook(spread::frmMainScreen& window, spread::AppState& state, service
     dispatcher.SetAction("tolOutside", [link] { link->OpenOutside(); });
     dispatcher.SetAction("fixobs", [link] { link->FixObservations(); });
     dispatcher.SetAction("equipment", [link] { link->EditEquipment(); });
+    for (const char* key : {"tolLogSpread", "vlassp", "tolLogbookGrid"})
+        dispatcher.SetAction(key, [link] { link->ShowLogSpread(); });
     // The window's own handler of a click (the plan column) is connected first and runs first.
     for (int tab = 0; tab < spread::kSpreadTabs; ++tab)
         QObject::connect(&window.grdObject(tab), &QTableView::clicked, link,

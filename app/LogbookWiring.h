@@ -1,8 +1,8 @@
 #pragma once
 // The logbook on the main window: the entry window from the tool bar (tolLogbook), the logbook
 // menu (mnueditlog) and the grid menu (el, on the selected row's object), the outside window
-// (tolOutside), the rebuild of the observed flags (fixobs), and the one-click log of a click in
-// grid column 3.
+// (tolOutside), the rebuild of the observed flags (fixobs), the one-click log of a click in grid
+// column 3, and the log view in the client area (tolLogSpread, vlassp, tolLogbookGrid).
 
 #include "astro/ObservingClock.h"
 #include "data/CurrentObject.h"

@@ -10,6 +10,8 @@
 // backup, restore and compact (the logbook's copies, the compaction of the databases).
 // whatsup (the What's Up wizard), constellation (the constellation of a position), oal (the
 // logbook in an Open Astronomy Log file).
+// whatsup (the What's Up wizard), constellation (the constellation of a position), logspread
+// (the log view), logsearch (the logbook search).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -22,6 +24,7 @@
 #include "app/LogCommand.h"
 #include "app/OutsideCommand.h"
 #include "app/OalCommand.h"
+#include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -143,6 +146,22 @@ const std::map<std::string, Command>& Commands()
               return app::RunOalCommand(TMM, args, std::cout);
           },
           app::OalUsage}},
+        {"logspread",
+         {app::CheckLogSpreadArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunLogSpreadCommand(TMM, args, std::cout, clock);
+          },
+          app::LogSpreadUsage}},
+        {"logsearch",
+         {app::CheckLogSearchArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunLogSearchCommand(TMM, args, std::cout, clock);
+          },
+          app::LogSearchUsage}},
     };
     return commands;
 }

@@ -61,6 +61,10 @@ struct FilterLookups
     std::vector<ObjectTypeRow> types;
 };
 
+// The 88 constellations as the constellation pickers offer them: abbreviation, "-", name
+// ("Ori-Orion"), in the order of their names. Filters match on the first three characters.
+const std::vector<std::string>& ConstellationList();
+
 // Reads CatalogLookup and ValidObjectTypes of the object database, in the order of their ID.
 // Status: throws services::Fault with the engine's message when a table cannot be read.
 FilterLookups LoadFilterLookups(Database& db);

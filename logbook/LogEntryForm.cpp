@@ -387,14 +387,20 @@ std::string LogEntryForm::StoredTime() const
 
 std::string LogEntryForm::DateCell(std::string_view stored) const
 {
-    const services::vb::Regional regional = Regional();
+    return LogDateCell(stored, Regional());
+}
+
+std::string LogDateCell(std::string_view stored, const services::vb::Regional& regional)
+{
     const std::string& pattern = regional.dateformat;
     if (!pattern.empty() && (pattern[0] == 'm' || pattern[0] == 'M'))
         return FormatDateForSpread(stored, pattern);
     for (const char* fixed : {"d.MM.yy", "d/M/yyyy", "dd. M. yy"})
         if (vb::SameText(pattern, fixed))
             return std::string(stored);
-    return ShownDate(stored);
+    const QDate date = QDate::fromString(
+        QString::fromUtf8(stored.data(), static_cast<int>(stored.size())), Qt::ISODate);
+    return date.isValid() ? vb::ShortDate(date, regional) : std::string(stored);
 }
 
 std::string LogEntryForm::ShownDate(std::string_view stored) const
@@ -512,10 +518,10 @@ void LogEntryForm::cmdClear()
     imageDescription.clear();
 }
 
-void LogEntryForm::LoadObservations()
+bool LogEntryForm::LoadObservations()
 {
     grdLog.clear();
-    Trap("LoadObservations", [&] {
+    const bool loaded = Trap("LoadObservations", [&] {
         if (!ctx_.logbook)
             return;
         std::string sql;
@@ -571,6 +577,7 @@ void LogEntryForm::LoadObservations()
         }
     });
     mode = "N";
+    return loaded;
 }
 
 void LogEntryForm::cmdShowAll()

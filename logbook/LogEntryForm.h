@@ -177,7 +177,8 @@ public:
     void Form_Load();
     void LoadLogTypeCombo();
     void LoadEquipmentCombo();
-    void LoadObservations();
+    // Returns false when the grid's query failed (the grid is then empty).
+    bool LoadObservations();
     void cmdShowAll();
     void cmdFind();
     // cmdClear: all fields emptied, today's date, the current object's id.
@@ -263,6 +264,11 @@ private:
     // mskDate as the #...# literal the session tables are looked up by.
     std::string SessionDateLiteral() const;
 };
+
+// The Date cell of a log grid for a stored date (YYYY-MM-DD): under a month-first short-date
+// pattern the grid's month-first form, under "d.MM.yy", "d/M/yyyy" and "dd. M. yy" the stored
+// value, under any other pattern the regional short date. A text that is no date stays as it is.
+std::string LogDateCell(std::string_view stored, const services::vb::Regional& regional);
 
 // A text on one line of tab-separated output: backslash, tab, CR and LF written \\ \t \r \n.
 std::string EscapedForLine(std::string_view text);

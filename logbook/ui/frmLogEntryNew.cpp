@@ -1,6 +1,7 @@
 #include "logbook/ui/frmLogEntryNew.h"
 
 #include "logbook/ui/frmEQDialog.h"
+#include "logbook/ui/frmLogSearch.h"
 #include "services/Vb.h"
 
 #include <QAction>
@@ -461,6 +462,9 @@ QWidget* frmLogEntryNew::BuildObjectList()
     search->addWidget(txtSearch);
     search->addWidget(cmdFind);
     search->addWidget(cmdShowAll);
+    cmdSearch = new QPushButton("Search...", page);
+    cmdSearch->setObjectName("cmdSearch");
+    search->addWidget(cmdSearch);
     search->addSpacing(12);
     search->addWidget(chkFilterSeen);
     search->addStretch();
@@ -497,6 +501,7 @@ QWidget* frmLogEntryNew::BuildObjectList()
             [this] { Run([this] { form_.cmdFind(); }); });
     connect(cmdShowAll, &QPushButton::clicked, this,
             [this] { Run([this] { form_.cmdShowAll(); }); });
+    connect(cmdSearch, &QPushButton::clicked, this, [this] { Search(); });
     connect(chkFilterSeen, &QCheckBox::clicked, this,
             [this] { Run([this] { form_.LoadObservations(); }); });
     return page;
@@ -883,6 +888,19 @@ void frmLogEntryNew::Run(const std::function<void()>& routine)
     routine();
     ShowModel();
     running_ = false;
+}
+
+void frmLogEntryNew::Search()
+{
+    frmLogSearch search(ctx_, this);
+    search.found = [this](const logbook::LogSearchSql& sql) {
+        Run([this, &sql] {
+            form_.currentQuery = sql.first;
+            form_.mode = "N";
+            form_.LoadObservations();
+        });
+    };
+    search.exec();
 }
 
 void frmLogEntryNew::Open(const std::string& mode)

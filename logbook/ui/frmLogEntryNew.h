@@ -45,6 +45,8 @@ public:
     // fields, the grid and the chosen entry) and the window is shown and raised.
     void Open(const std::string& mode);
     logbook::LogEntryForm& Model() { return form_; }
+    // The search window, modal; a search loads the grid with its first statement.
+    void Search();
 
     // The tool band of a rich box: miBold ... comment, and delete on the session band.
     QToolBar* RichBar(QTextEdit* box) const;
@@ -85,6 +87,7 @@ public:
     QLineEdit* txtSearch = nullptr;
     QPushButton* cmdFind = nullptr;
     QPushButton* cmdShowAll = nullptr;
+    QPushButton* cmdSearch = nullptr; // frmLogSearch; its first statement becomes the grid's query
     QCheckBox* chkFilterSeen = nullptr;
     // Session Notes
     QTextEdit* RichTextBox1 = nullptr;
