@@ -3,9 +3,12 @@
 #include "services/Fault.h"
 #include "services/Vb.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cstdio>
+#include <regex>
+#include <string>
 #include <vector>
 
 namespace data {
@@ -133,6 +136,27 @@ std::string LikePattern(std::string_view body, bool& escaped)
     return out;
 }
 
+// "(A RIGHT JOIN B ON cond)" of two tables becomes "(B LEFT JOIN A ON cond)": the same rows,
+// but SQLite plans a right join with its left table outermost, so a further join on B (the
+// logbook's search by an object's constellation) would be probed once per row of B.
+std::string SwapRightJoins(std::string sql)
+{
+    static const std::regex rightJoin(R"(\(\s*(\w+)\s+RIGHT\s+(?:OUTER\s+)?JOIN\s+(\w+)\s+ON\s)",
+                                      std::regex::icase);
+    size_t from = 0;
+    std::smatch m;
+    while (std::regex_search(sql.cbegin() + static_cast<long>(from), sql.cend(), m, rightJoin)) {
+        const size_t open = from + static_cast<size_t>(m.position(0));
+        from = open + 1;
+        // Inside a quoted text (an odd number of quotes before it): a text, not a join.
+        if (std::count(sql.cbegin(), sql.cbegin() + static_cast<long>(open), '\'') % 2 != 0)
+            continue;
+        const size_t condition = open + static_cast<size_t>(m.length(0));
+        sql.replace(open, condition - open, "(" + m.str(2) + " LEFT JOIN " + m.str(1) + " ON ");
+    }
+    return sql;
+}
+
 } // namespace
 
 std::string TranslateJetSql(std::string_view jet)
@@ -206,8 +230,7 @@ std::string TranslateJetSql(std::string_view jet)
             std::string iso;
             if (j == std::string_view::npos || !JetDateToIso(jet.substr(i + 1, j - i - 1), iso)) {
                 std::string literal(jet.substr(i, j == std::string_view::npos ? n - i : j - i + 1));
-                throw services::Fault("Syntax error in date in query expression '" + literal +
-                                          "'.",
+                throw services::Fault("Syntax error in date in query expression '" + literal + "'.",
                                       "");
             }
             out += '\'' + iso + '\'';
@@ -278,7 +301,7 @@ std::string TranslateJetSql(std::string_view jet)
         out += c;
         ++i;
     }
-    return out;
+    return SwapRightJoins(std::move(out));
 }
 
 } // namespace data

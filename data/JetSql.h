@@ -9,7 +9,8 @@
 //   "text" (a Jet string literal)  -> 'text'
 //   a & b (concatenation)          -> a || b
 //   ucase, lcase, len, mid          -> upper, lower, length, substr
-// distinct(x), names in any case, Between, abs and the joins need no change. Quoted texts are
+//   (A RIGHT JOIN B ON c)          -> (B LEFT JOIN A ON c) (the same rows; SQLite plans it better)
+// distinct(x), names in any case, Between, abs and the other joins need no change. Quoted texts are
 // copied untouched.
 
 #include <string>

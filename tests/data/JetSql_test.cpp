@@ -353,3 +353,26 @@ TEST(TranslateJetSql, NamesWithBlanksInTheImageTable)
     ASSERT_FALSE(comet.Eof());
     EXPECT_DOUBLE_EQ(0.967277, comet.Fields("E").Double());
 }
+
+// A right join is written as the left join of the same rows, whatever the case and spacing; a
+// text that reads like one stays as typed.
+TEST(TranslateJetSql, RightJoinsBecomeLeftJoins)
+{
+    const struct
+    {
+        const char *jet, *sqlite;
+    } rows[] = {
+        {"Select * FROM (CCDLog RIGHT JOIN Logbook ON CCDLog.ObservationNumber = "
+         "Logbook.ObservationNumber) INNER JOIN SelvaneTable ON (Logbook.Catalog = "
+         "SelvaneTable.Catalog)",
+         "Select * FROM (Logbook LEFT JOIN CCDLog ON CCDLog.ObservationNumber = "
+         "Logbook.ObservationNumber) INNER JOIN SelvaneTable ON (Logbook.Catalog = "
+         "SelvaneTable.Catalog)"},
+        {"select x from ( a  right outer join b on a.k = b.k)",
+         "select x from (b LEFT JOIN a ON a.k = b.k)"},
+        {"Select * From Logbook Where ShortDescription = '(a RIGHT JOIN b ON c)'",
+         "Select * From Logbook Where ShortDescription = '(a RIGHT JOIN b ON c)'"},
+    };
+    for (const auto& row : rows)
+        EXPECT_EQ(row.sqlite, data::TranslateJetSql(row.jet));
+}
