@@ -1,5 +1,6 @@
 #include "app/BackupCommand.h"
 
+#include "app/LogCommand.h"
 #include "data/DatabaseFiles.h"
 #include "logbook/Backup.h"
 #include "services/Fault.h"
@@ -43,10 +44,7 @@ Args SplitAnswers(const std::vector<std::string>& all)
 Args Prepare(spread::AppState& TMM, const std::vector<std::string>& all)
 {
     Args a = SplitAnswers(all);
-    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
-        scripted->answers.assign(a.answers.begin(), a.answers.end());
-        scripted->unansweredYes = false;
-    }
+    QueueAnswers(TMM, a.answers);
     return a;
 }
 
@@ -54,14 +52,6 @@ void Relink(spread::AppState& TMM)
 {
     if (TMM.logbookDb)
         data::RebuildLink(*TMM.logbookDb, TMM.prefs.cdDrive, TMM.prefs.UseCd);
-}
-
-bool LogbookOpen(const spread::AppState& TMM)
-{
-    if (TMM.logbookDb)
-        return true;
-    std::cerr << "selvane-cli: the logbook is not open\n";
-    return false;
 }
 
 // The save dialogue's answer for a command-line argument, as the dialogue would return it: a

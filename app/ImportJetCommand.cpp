@@ -1,5 +1,6 @@
 #include "app/ImportJetCommand.h"
 
+#include "app/LogCommand.h"
 #include "astro/ObservingClock.h"
 #include "logbook/JetImport.h"
 #include "services/Fault.h"
@@ -61,14 +62,9 @@ int RunImportJetCommand(spread::AppState& TMM, const std::vector<std::string>& a
     const ImportJetArgs a = ParseImportJetArgs(args);
     if (!a.error.empty())
         return 2;
-    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
-        scripted->answers.assign(a.answers.begin(), a.answers.end());
-        scripted->unansweredYes = false;
-    }
-    if (!TMM.logbookDb) {
-        std::cerr << "selvane-cli: the logbook is not open\n";
+    QueueAnswers(TMM, a.answers);
+    if (!LogbookOpen(TMM))
         return 1;
-    }
     const astro::SystemClock clock;
     data::CurrentObject current;
     logbook::LogContext context{

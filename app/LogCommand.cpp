@@ -253,6 +253,22 @@ std::string CheckLogArgs(const std::vector<std::string>& args)
     return ParseLogArgs(args).error;
 }
 
+void QueueAnswers(spread::AppState& TMM, const std::vector<bool>& answers)
+{
+    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
+        scripted->answers.assign(answers.begin(), answers.end());
+        scripted->unansweredYes = false;
+    }
+}
+
+bool LogbookOpen(const spread::AppState& TMM)
+{
+    if (TMM.logbookDb)
+        return true;
+    std::cerr << "selvane-cli: the logbook is not open\n";
+    return false;
+}
+
 int RunLogCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
                   const std::vector<std::string>& args, std::ostream& out,
                   const astro::Clock& clock)
@@ -260,14 +276,9 @@ int RunLogCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     const LogArgs a = ParseLogArgs(args);
     if (!a.error.empty())
         return 2;
-    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
-        scripted->answers.assign(a.answers.begin(), a.answers.end());
-        scripted->unansweredYes = false;
-    }
-    if (!TMM.logbookDb) {
-        std::cerr << "selvane-cli: the logbook is not open\n";
+    QueueAnswers(TMM, a.answers);
+    if (!LogbookOpen(TMM))
         return 1;
-    }
     int status = 1;
     const bool ran = services::Trap(TMM.ui, "selvane-cli.log", [&] {
         if (a.sub == "click") {

@@ -37,6 +37,13 @@ inline constexpr const char* LogUsage =
 // cell escaped for one line.
 void PrintLogGrid(const logbook::LogEntryForm& form, std::ostream& out);
 
+// The start of every command on the logbook: the --answer replies queued for the port's
+// questions (a question left without one is answered No).
+void QueueAnswers(spread::AppState& TMM, const std::vector<bool>& answers);
+// Returned: true when the logbook is open; else false, after "selvane-cli: the logbook is not
+// open" on stderr.
+bool LogbookOpen(const spread::AppState& TMM);
+
 // The usage error of log's arguments, or empty.
 std::string CheckLogArgs(const std::vector<std::string>& args);
 

@@ -189,14 +189,9 @@ void PrintSpread(const logbook::LogSpread& view, SpreadPage page, std::ostream& 
 int RunWithLogbook(spread::AppState& TMM, const std::vector<bool>& answers,
                    const std::function<int(logbook::LogContext&)>& body, const astro::Clock& clock)
 {
-    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
-        scripted->answers.assign(answers.begin(), answers.end());
-        scripted->unansweredYes = false;
-    }
-    if (!TMM.logbookDb) {
-        std::cerr << "selvane-cli: the logbook is not open\n";
+    QueueAnswers(TMM, answers);
+    if (!LogbookOpen(TMM))
         return 1;
-    }
     data::CurrentObject current;
     logbook::LogContext context{
         TMM.ui, TMM.logbookDb.get(), TMM.objectDb.get(), TMM.prefs, TMM.dir, current, clock};

@@ -1,5 +1,6 @@
 #include "app/OalCommand.h"
 
+#include "app/LogCommand.h"
 #include "astro/ObservingClock.h"
 #include "logbook/OalExchange.h"
 #include "services/Fault.h"
@@ -57,10 +58,8 @@ int RunOalCommand(spread::AppState& TMM, const std::vector<std::string>& args, s
     const OalArgs a = ParseOalArgs(args);
     if (!a.error.empty())
         return 2;
-    if (!TMM.logbookDb) {
-        std::cerr << "selvane-cli: the logbook is not open\n";
+    if (!LogbookOpen(TMM))
         return 1;
-    }
     const astro::SystemClock clock;
     data::CurrentObject current;
     logbook::LogContext context{

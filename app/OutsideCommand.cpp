@@ -1,5 +1,6 @@
 #include "app/OutsideCommand.h"
 
+#include "app/LogCommand.h"
 #include "logbook/OutsideForm.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
@@ -286,14 +287,9 @@ int RunOutsideCommand(spread::AppState& TMM, const std::vector<std::string>& arg
     if (usageError)
         return 2;
 
-    if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui)) {
-        scripted->answers.assign(a.answers.begin(), a.answers.end());
-        scripted->unansweredYes = false;
-    }
-    if (!TMM.logbookDb) {
-        std::cerr << "selvane-cli: the logbook is not open\n";
+    QueueAnswers(TMM, a.answers);
+    if (!LogbookOpen(TMM))
         return 1;
-    }
 
     data::CurrentObject current;
     if (a.object)
