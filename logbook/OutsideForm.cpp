@@ -235,13 +235,32 @@ bool OutsideForm::DateIsValid(const char* routine)
     });
 }
 
-bool OutsideForm::AddEntry()
+// The Logbook row of the entry, new or stored; false when nothing was written.
+bool OutsideForm::WriteEntry(bool isNew, const char* routine)
 {
-    if (!ctx_.logbook || !DateIsValid("AddEntry"))
+    if (!ctx_.logbook || !DateIsValid(routine))
         return false;
     entry.f.Option1 = true;
     entry.f.List1.clear();
-    if (!entry.WriteLogbookRow(true, "AddEntry"))
+    return entry.WriteLogbookRow(isNew, routine);
+}
+
+// The rows that follow an entry's Logbook row, the grid again, and the step's message.
+void OutsideForm::FinishWrite(const char* verb, const char* message)
+{
+    UpdateSelvaneTable();
+    UpdateSessionLog();
+    UpdateCCDLog();
+    LoadGrid();
+    entry.dirty = false;
+    if (stored)
+        stored(verb, entry.Number());
+    ctx_.ui.ShowMessage(message, message, "I");
+}
+
+bool OutsideForm::AddEntry()
+{
+    if (!WriteEntry(true, "AddEntry"))
         return false;
     // Deliberate: the number of the row just written is the highest one; it is read before
     // anything else is written, so that a failure below still leaves the entry identified.
@@ -251,14 +270,7 @@ bool OutsideForm::AddEntry()
         if (!rs.Eof())
             entry.lblObNo = rs.Fields(0).Value();
     });
-    UpdateSelvaneTable();
-    UpdateSessionLog();
-    UpdateCCDLog();
-    LoadGrid();
-    entry.dirty = false;
-    if (stored)
-        stored("added", entry.Number());
-    ctx_.ui.ShowMessage("Observation Added", "Observation Added", "I");
+    FinishWrite("added", "Observation Added");
     return true;
 }
 
@@ -267,20 +279,9 @@ bool OutsideForm::UpdateEntryToLogbook()
     // A new entry is stored as the entry window stores it: an update without a number adds.
     if (vb::Trim(entry.lblObNo).empty())
         return AddEntry();
-    if (!ctx_.logbook || !DateIsValid("UpdateEntryToLogbook"))
+    if (!WriteEntry(false, "UpdateEntryToLogbook"))
         return false;
-    entry.f.Option1 = true;
-    entry.f.List1.clear();
-    if (!entry.WriteLogbookRow(false, "UpdateEntryToLogbook"))
-        return false;
-    UpdateSelvaneTable();
-    UpdateSessionLog();
-    UpdateCCDLog();
-    LoadGrid();
-    entry.dirty = false;
-    if (stored)
-        stored("updated", entry.Number());
-    ctx_.ui.ShowMessage("Observation Updated", "Observation Updated", "I");
+    FinishWrite("updated", "Observation Updated");
     return true;
 }
 

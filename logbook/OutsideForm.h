@@ -119,6 +119,8 @@ private:
 
     bool Trap(const char* routine, const std::function<void()>& body);
     bool DateIsValid(const char* routine);
+    bool WriteEntry(bool isNew, const char* routine);
+    void FinishWrite(const char* verb, const char* message);
 };
 
 // frmOutsidePopup's list for a key ("CATALOG" ... "CAMERA").

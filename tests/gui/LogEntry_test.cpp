@@ -20,6 +20,7 @@
 #include "spread/ui/frmMainScreen.h"
 
 #include "GuiApp.h"
+#include "LogbookFolder.h"
 
 #include <QAction>
 #include <QApplication>
@@ -52,15 +53,6 @@ namespace {
 
 using logbook::ui::frmLogEntryNew;
 
-const std::filesystem::path kResources(SELVANE_RESOURCE_DIR);
-
-// Lets the window finish what it posted (the focus given back, the text selected on entry).
-void Settle()
-{
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
-
 // The first column of the first row of a query; "<none>" when it finds nothing.
 std::string Value(data::Database& db, const std::string& sql)
 {
@@ -78,32 +70,18 @@ void SaveShot(QWidget& window, QWidget* focus, const char* name)
     }
 }
 
-// A program folder with a copy of the small edition and a new logbook holding a log type, three
-// instruments and a site.
-struct Folder
+// A program folder whose logbook holds a log type, three instruments and a site.
+struct Folder : LogbookFolder
 {
-    bool appReady = (App(), true);
-    QTemporaryDir temp;
-    data::ProgramDir dir{temp.path().toStdString()};
-    std::unique_ptr<data::Database> logbookDb;
-    std::unique_ptr<data::Database> objectDb;
-
     Folder()
+        : LogbookFolder({
+              "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
+              "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
+              "Insert Into Equipment (Equipment) values ('13 mm eyepiece')",
+              "Insert Into Equipment (Equipment) values ('OIII filter')",
+              "Insert Into ObservingSites (ProfileName) values ('Backyard')",
+          })
     {
-        const std::filesystem::path objectPath = dir.File(data::ObjectDatabaseName);
-        std::filesystem::copy_file(kResources / "SelvPro13000.mdb", objectPath);
-        objectDb = data::Database::Open(objectPath, data::OpenOptions{});
-        std::string logbookPath;
-        data::OpenTheDatabase(dir, logbookDb, logbookPath);
-        for (const char* sql : {
-                 "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
-                 "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
-                 "Insert Into Equipment (Equipment) values ('13 mm eyepiece')",
-                 "Insert Into Equipment (Equipment) values ('OIII filter')",
-                 "Insert Into ObservingSites (ProfileName) values ('Backyard')",
-             })
-            logbookDb->Execute(sql);
-        std::ofstream(dir.File("exp.dat")) << "Binning 1x1\nBinning 2x2\n";
     }
 };
 

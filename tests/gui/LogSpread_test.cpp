@@ -14,6 +14,7 @@
 #include "spread/ui/frmMainScreen.h"
 
 #include "GuiApp.h"
+#include "LogbookFolder.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -39,12 +40,6 @@
 namespace {
 
 const std::filesystem::path kResources(SELVANE_RESOURCE_DIR);
-
-void Settle()
-{
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
 
 void SaveShot(QWidget& widget, const char* name)
 {

@@ -15,6 +15,7 @@
 #include "spread/ui/frmMainScreen.h"
 
 #include "GuiApp.h"
+#include "LogbookFolder.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -40,39 +41,17 @@ namespace {
 using logbook::ui::frmOutsideMain;
 using logbook::ui::frmOutsidePopup;
 
-const std::filesystem::path kResources(SELVANE_RESOURCE_DIR);
-
-void Settle()
+// A program folder whose logbook holds a log type, two instruments and a site.
+struct Folder : LogbookFolder
 {
-    for (int i = 0; i < 5; ++i)
-        QApplication::processEvents();
-}
-
-// A program folder with a copy of the small edition and a new logbook with a log type, two
-// instruments, a site and the exposure modes.
-struct Folder
-{
-    bool appReady = (App(), true);
-    QTemporaryDir temp;
-    data::ProgramDir dir{temp.path().toStdString()};
-    std::unique_ptr<data::Database> logbookDb;
-    std::unique_ptr<data::Database> objectDb;
-
     Folder()
+        : LogbookFolder({
+              "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
+              "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
+              "Insert Into Equipment (Equipment) values ('ST-7 camera')",
+              "Insert Into ObservingSites (ProfileName) values ('Backyard')",
+          })
     {
-        const std::filesystem::path objectPath = dir.File(data::ObjectDatabaseName);
-        std::filesystem::copy_file(kResources / "SelvPro13000.mdb", objectPath);
-        objectDb = data::Database::Open(objectPath, data::OpenOptions{});
-        std::string logbookPath;
-        data::OpenTheDatabase(dir, logbookDb, logbookPath);
-        for (const char* sql : {
-                 "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
-                 "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
-                 "Insert Into Equipment (Equipment) values ('ST-7 camera')",
-                 "Insert Into ObservingSites (ProfileName) values ('Backyard')",
-             })
-            logbookDb->Execute(sql);
-        std::ofstream(dir.File("exp.dat")) << "Binning 1x1\nBinning 2x2\n";
     }
 };
 
