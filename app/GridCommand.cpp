@@ -52,28 +52,31 @@ GridArgs ParseGridArgs(const std::vector<std::string>& args)
     return g;
 }
 
+int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,
+             const astro::Clock& computerClock)
+{
+    if (!start.objectDatabaseOpen)
+        return 1;
+    TMM.CurrTab = 0;
+    if (args.sql.empty() && !args.build)
+        return start.startListLoaded ? 0 : 1;
+    if (!args.sql.empty())
+        TMM.SQL = args.sql;
+    spread::GridLoad load;
+    spread::LoadTheGrid(TMM, TMM.grids[0],
+                        args.build ? spread::LoadMode::Build : spread::LoadMode::NoBuild, load,
+                        computerClock);
+    return load.failed ? 1 : 0;
+}
+
 int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
                    const GridArgs& args, std::ostream& out, const astro::Clock& computerClock)
 {
     if (!args.error.empty())
         return 2;
-    if (!start.objectDatabaseOpen)
+    if (LoadTab0(TMM, start, args, computerClock) != 0)
         return 1;
     spread::Grid& grid = TMM.grids[0];
-    TMM.CurrTab = 0;
-    if (!args.sql.empty() || args.build) {
-        if (!args.sql.empty())
-            TMM.SQL = args.sql;
-        spread::GridLoad load;
-        spread::LoadTheGrid(TMM, grid,
-                            args.build ? spread::LoadMode::Build : spread::LoadMode::NoBuild,
-                            load, computerClock);
-        if (load.failed)
-            return 1;
-    } else if (!start.startListLoaded) {
-        return 1;
-    }
-
     if (args.count) {
         out << grid.MaxRows() << "\n";
         return 0;

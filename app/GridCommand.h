@@ -37,6 +37,12 @@ GridArgs ParseGridArgs(const std::vector<std::string>& args);
 // Returned: 0; 1 when the output could not be written.
 int PrintGrid(spread::Grid& grid, std::ostream& out);
 
+// Loads tab 0 as the command does: the start list LoadForm left, or the given or built query.
+// Returned: 0 when the list is loaded, even with no rows; 1 when the object database is not
+//   open or the query failed (the port has shown why).
+int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,
+             const astro::Clock& computerClock);
+
 // Runs the command on the state LoadForm left (tab 0 holds the start list).
 // Returned: the exit status: 0 when the list was loaded, even with no rows; 1 when the object
 //   database is not open or the query failed (the port has shown why); 2 on a usage error.

@@ -11,7 +11,7 @@
 // whatsup (the What's Up wizard), constellation (the constellation of a position), oal (the
 // logbook in an Open Astronomy Log file).
 // whatsup (the What's Up wizard), constellation (the constellation of a position), logspread
-// (the log view), logsearch (the logbook search).
+// (the log view), logsearch (the logbook search), export (the export keys on tab 0).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -19,6 +19,7 @@
 #include "app/CliOptions.h"
 #include "app/ConstellationCommand.h"
 #include "app/EquipmentCommand.h"
+#include "app/ExportCommand.h"
 #include "app/GridCommand.h"
 #include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
@@ -162,6 +163,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunLogSearchCommand(TMM, args, std::cout, clock);
           },
           app::LogSearchUsage}},
+        {"export",
+         {app::CheckExportArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunExportCommand(TMM, start, args, clock);
+          },
+          app::ExportUsage}},
     };
     return commands;
 }

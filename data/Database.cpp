@@ -126,6 +126,7 @@ Recordset& Recordset::operator=(Recordset&& other) noexcept
         names_ = std::move(other.names_);
         qualified_ = std::move(other.qualified_);
         origins_ = std::move(other.origins_);
+        declared_ = std::move(other.declared_);
         numberText_ = std::move(other.numberText_);
         eof_ = other.eof_;
         bof_ = other.bof_;
@@ -343,6 +344,20 @@ std::string_view Recordset::Text(int index) const
     else
         cell.text.clear();
     return cell.text;
+}
+
+int Recordset::ValueType(int index) const
+{
+    if (!held_ && mode_ == EditMode::None)
+        return sqlite3_value_type(StreamedValue(index));
+    const Cell& cell = CellAt(index);
+    if (std::holds_alternative<long long>(cell.value))
+        return SQLITE_INTEGER;
+    if (std::holds_alternative<double>(cell.value))
+        return SQLITE_FLOAT;
+    if (std::holds_alternative<std::string>(cell.value))
+        return SQLITE_TEXT;
+    return SQLITE_NULL;
 }
 
 double Recordset::Double(int index) const
@@ -662,6 +677,8 @@ Recordset Database::OpenRecordset(std::string_view sql, RecordsetType type)
         rs.names_.emplace_back(sqlite3_column_name(stmt, i));
         rs.qualified_.push_back(t && o ? std::string(t) + "." + o : std::string());
         rs.origins_.push_back(o ? o : "");
+        const char* declared = sqlite3_column_decltype(stmt, i);
+        rs.declared_.push_back(declared ? declared : "");
         if (!t || !s)
             single = false;
         else if (table.empty())

@@ -109,6 +109,14 @@ public:
     Field Fields(std::string_view name);
     Field Fields(int index);
     bool HasField(std::string_view name) const { return FindField(name) >= 0; }
+    // "Table.Field" of the table column behind a field; empty for an expression.
+    const std::string& QualifiedName(int index) const { return qualified_[index]; }
+    // The declared type of the table column behind a field ("TEXT", "REAL", "INTEGER"); empty
+    // for an expression.
+    const std::string& DeclaredType(int index) const { return declared_[index]; }
+    // The kind of the current row's value: SQLITE_NULL, SQLITE_INTEGER, SQLITE_FLOAT,
+    // SQLITE_TEXT or SQLITE_BLOB.
+    int ValueType(int index) const;
 
     bool Updatable() const { return !table_.empty(); }
     void AddNew();
@@ -155,6 +163,7 @@ private:
     std::vector<std::string> names_;
     std::vector<std::string> qualified_; // "Table.Field" of each column, or empty
     std::vector<std::string> origins_;   // the table column behind each field
+    std::vector<std::string> declared_;  // its declared type
     // The text of a streamed floating-point value, one slot per field, made without allocating.
     mutable std::vector<std::array<char, 32>> numberText_;
     bool eof_ = true;

@@ -2,6 +2,7 @@
 
 #include "data/Database.h"
 #include "services/Fault.h"
+#include "services/OutputFile.h"
 #include "services/UiPort.h"
 
 #include <QString>
@@ -104,27 +105,9 @@ std::string FileDecimal(double value)
     return vb::Format(value, "00.0");
 }
 
-std::string ReasonOf(int error)
-{
-    switch (error) {
-    case ENOENT:
-    case ENOTDIR:
-        return "Path not found";
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return "Permission denied";
-    case ENOSPC:
-    case EDQUOT:
-        return "Disk full";
-    default:
-        return std::strerror(error);
-    }
-}
-
 [[noreturn]] void ThrowErrno(int error)
 {
-    throw services::Fault(ReasonOf(error), "");
+    throw services::Fault(services::FileErrorText(error), "");
 }
 
 // Writes every byte; returns 0, or the errno of the failure.
@@ -206,7 +189,8 @@ std::vector<std::string> ReadEquipmentFile(const data::ProgramDir& dir, Equipmen
     const std::filesystem::path path = dir.File(EquipmentFileName(kind));
     const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
     if (fd < 0)
-        throw services::Fault(errno == ENOENT ? "File not found" : ReasonOf(errno), "");
+        throw services::Fault(errno == ENOENT ? "File not found" : services::FileErrorText(errno),
+                              "");
     std::string text;
     char buffer[8192];
     for (;;) {

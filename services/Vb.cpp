@@ -1351,4 +1351,9 @@ std::string DateForSql(const QDate& date, const Regional& regional)
            regional.datesep + Format(today.year(), "00");
 }
 
+std::string CStr(double value)
+{
+    return GeneralNumber(value);
+}
+
 } // namespace services::vb

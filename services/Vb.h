@@ -63,6 +63,10 @@ std::string UCase(std::string_view text);
 std::string LCase(std::string_view text);
 // Equal without regard to case (ASCII letters), as Jet compares names and text.
 bool SameText(std::string_view a, std::string_view b);
+// A number as the runtime turns it into text: up to 15 significant digits, the exponent form
+// outside 1E-5 .. 1E15 ("34.5333333333333", "1.5E-05", "1E+15").
+std::string CStr(double value);
+
 // Int rounds toward minus infinity, Fix toward zero.
 double Int(double value);
 double Fix(double value);

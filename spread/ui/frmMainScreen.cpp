@@ -4,6 +4,7 @@
 #include "services/Fault.h"
 #include "services/Vb.h"
 #include "spread/AppState.h"
+#include "spread/Export.h"
 #include "spread/Grid.h"
 #include "spread/Spreadsheet.h"
 #include "spread/WhatsUpWizard.h"
@@ -349,6 +350,7 @@ void frmMainScreen::FillActions()
     });
     FillPlanActions();
     FillListActions();
+    FillExportActions();
 }
 
 void frmMainScreen::FillPlanActions()
@@ -414,6 +416,37 @@ void frmMainScreen::FillListActions()
     });
     dispatcher_->SetAction("apply", [this] {
         RunLoad([this] { ApplyFromPanel(state_, *filter_, ComputerClock()); });
+    });
+}
+
+// The exports of the current tab's list, and of the logbook.
+void frmMainScreen::FillExportActions()
+{
+    const auto onTab = [this](std::function<void()> action) {
+        return [this, action = std::move(action)] {
+            state_.CurrTab = CurrTab();
+            if (state_.CurrTab < 0 || state_.CurrTab >= kGridTabs)
+                ui_.ShowMessage(NeedsTabText, NeedsTabTitle, "I");
+            else
+                action();
+        };
+    };
+    dispatcher_->SetAction("exso", onTab([this] { IDN2(state_); }));
+    dispatcher_->SetAction("eed",
+                           onTab([this] { Export(state_, "aa", "Select * From SelvaneTable"); }));
+    dispatcher_->SetAction("exportexcel", onTab([this] { Export(state_, "EXCEL", ""); }));
+    dispatcher_->SetAction("exporthtml", onTab([this] { Export(state_, "HTML", ""); }));
+    dispatcher_->SetAction("exportsoxml", onTab([this] { IDN3(state_); }));
+    dispatcher_->SetAction("skylist", onTab([this] { ExportSkyList(state_); }));
+    dispatcher_->SetAction("obslist",
+                           onTab([this] { ExportObservingList(state_, ComputerClock()); }));
+    dispatcher_->SetAction("exportlogxml", [this] {
+        state_.CurrTab = CurrTab();
+        Export(state_, "XMLLOG", LogExportSql);
+    });
+    dispatcher_->SetAction("mnuepld", [this] {
+        state_.CurrTab = CurrTab();
+        mnuEpld_Click(state_);
     });
 }
 

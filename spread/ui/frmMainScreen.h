@@ -187,6 +187,7 @@ private:
     void FillActions();
     void FillPlanActions();
     void FillListActions();
+    void FillExportActions();
     // Runs a load routine on the current tab (CurrTab kept in the state), then repaints.
     void RunLoad(const std::function<void()>& routine);
     // The plan of the current tab; nullptr, after "Please select a spreadsheet tab first",

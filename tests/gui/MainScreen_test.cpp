@@ -108,6 +108,7 @@ TEST(frmMainScreen, NoClickEndsTheProgram)
                 if (QWidget* modal = QApplication::activeModalWidget())
                     modal->close();
             });
+            s.ui.saveAnswers.assign(1, ""); // a save dialogue is cancelled
             s.window->Tool(std::string(tool.key))->trigger();
             EXPECT_LE(s.ui.shown.size(), before + 1);
         }
@@ -403,3 +404,28 @@ TEST(frmMainScreen, StartKeepsTheSplashUpAndBeginsANewErrorLog)
 }
 
 } // namespace
+
+TEST(frmMainScreen, ExportKeysWriteTheCurrentTabsList)
+{
+    Screen s;
+    spread::Grid& grid = s.state.grids[2];
+    grid.SetMaxRows(1);
+    grid.Clip(1, " \t \t \tNGC 224\tM 31\tGx\t00 42 44.3\t+41 16 09.0");
+    s.window->SetCurrTab(2);
+    const std::filesystem::path book = s.Dir() / "tab.xlsx", page = s.Dir() / "tab.htm",
+                                list = s.Dir() / "tab.skylist";
+    s.ui.saveAnswers = {book.string(), page.string(), (s.Dir() / "tab").string()};
+    for (const char* key : {"exportexcel", "exporthtml", "skylist"})
+        s.window->Tool(key)->trigger();
+    EXPECT_GT(std::filesystem::file_size(book), 1000u);
+    std::ifstream html(page), sky(list);
+    const std::string pageText{std::istreambuf_iterator<char>(html), {}};
+    const std::string skyText{std::istreambuf_iterator<char>(sky), {}};
+    EXPECT_NE(pageText.find("<td>NGC 224</td><td>M 31</td>"), std::string::npos);
+    EXPECT_NE(skyText.find("CatalogNumber=NGC 224\n   CatalogNumber=M 31\n"), std::string::npos);
+    EXPECT_EQ(s.LastText(), "Finished exporting file to " + list.string());
+
+    s.window->SetCurrTab(5);
+    s.window->Tool("exportexcel")->trigger();
+    EXPECT_EQ(s.LastText(), "Please select a spreadsheet tab first");
+}
