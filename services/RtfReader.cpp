@@ -1,5 +1,7 @@
 #include "services/RtfReader.h"
 
+#include "services/Html.h"
+
 #include <algorithm>
 #include <array>
 #include <cctype>
@@ -333,28 +335,16 @@ private:
     }
 };
 
+// Escaped, each line break a <br />.
 void AppendEscaped(std::string& out, std::string_view text)
 {
-    for (const char c : text) {
-        switch (c) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        case '\n':
-            out += "<br />";
-            break;
-        default:
-            out += c;
-        }
+    for (std::size_t start = 0;;) {
+        const std::size_t end = text.find('\n', start);
+        AppendHtmlEscaped(out, text.substr(start, end - start));
+        if (end == std::string_view::npos)
+            return;
+        out += "<br />";
+        start = end + 1;
     }
 }
 

@@ -1,6 +1,7 @@
 #include "spread/GridExport.h"
 
 #include "services/Fault.h"
+#include "services/Html.h"
 #include "services/OutputFile.h"
 #include "services/Vb.h"
 
@@ -74,28 +75,6 @@ void Check(lxw_error error)
 {
     if (error != LXW_NO_ERROR)
         throw services::Fault(lxw_strerror(error), "");
-}
-
-void AppendEscaped(std::string& out, std::string_view text)
-{
-    for (const char ch : text) {
-        switch (ch) {
-        case '&':
-            out += "&amp;";
-            break;
-        case '<':
-            out += "&lt;";
-            break;
-        case '>':
-            out += "&gt;";
-            break;
-        case '"':
-            out += "&quot;";
-            break;
-        default:
-            out += ch;
-        }
-    }
 }
 
 const char* CssAlign(HAlign align)
@@ -199,7 +178,7 @@ void WriteGridHtml(const Grid& grid, const std::filesystem::path& file,
     services::OutputFile out(file);
     const std::vector<int> cols = VisibleColumns(grid);
     std::string text = "<!DOCTYPE html>\n<html>\n<head>\n<meta charset=\"utf-8\">\n<title>";
-    AppendEscaped(text, grid.Tag());
+    services::AppendHtmlEscaped(text, grid.Tag());
     text += "</title>\n<style>\ntable { border-collapse: collapse; }\n"
             "th, td { border: 1px solid #999; padding: 1px 4px; white-space: pre; }\n"
             "th { background: #eee; }\n";
@@ -207,11 +186,11 @@ void WriteGridHtml(const Grid& grid, const std::filesystem::path& file,
         if (const char* align = CssAlign(grid.TypeHAlign(cols[i])))
             text += "td:nth-child(" + std::to_string(i + 1) + ") { text-align: " + align + "; }\n";
     text += "</style>\n</head>\n<body>\n<h1>";
-    AppendEscaped(text, grid.Tag());
+    services::AppendHtmlEscaped(text, grid.Tag());
     text += "</h1>\n<table>\n<thead>\n<tr>";
     for (const int col : cols) {
         text += "<th>";
-        AppendEscaped(text, grid.Header(col));
+        services::AppendHtmlEscaped(text, grid.Header(col));
         text += "</th>";
     }
     text += "</tr>\n</thead>\n<tbody>\n";
@@ -222,7 +201,7 @@ void WriteGridHtml(const Grid& grid, const std::filesystem::path& file,
         text = "<tr>";
         for (const int col : cols) {
             text += "<td>";
-            AppendEscaped(text, grid.Text(row, col));
+            services::AppendHtmlEscaped(text, grid.Text(row, col));
             text += "</td>";
         }
         text += "</tr>\n";
