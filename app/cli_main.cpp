@@ -4,14 +4,11 @@
 //
 // Commands: grid (tab 0's list), plan FILE (a plan file opened into tab 0), sql (the filter's
 // SQL and ORDER BY texts), log (the logbook's entry routines), equipment (the equipment lists),
-// whatsup (the What's Up wizard), constellation (the constellation of a position), outside
-// (the outside window from a script).
-// whatsup (the What's Up wizard), constellation (the constellation of a position),
-// backup, restore and compact (the logbook's copies, the compaction of the databases).
-// whatsup (the What's Up wizard), constellation (the constellation of a position), oal (the
-// logbook in an Open Astronomy Log file).
-// whatsup (the What's Up wizard), constellation (the constellation of a position), logspread
-// (the log view), logsearch (the logbook search), export (the export keys on tab 0).
+// whatsup (the What's Up wizard), constellation (the constellation of a position), import-jet
+// (an earlier logbook imported), outside (the outside window from a script), backup, restore
+// and compact (the logbook's copies, the compaction of the databases), oal (the logbook in an
+// Open Astronomy Log file), logspread (the log view), logsearch (the logbook search), export
+// (the export keys on tab 0).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
