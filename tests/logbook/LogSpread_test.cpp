@@ -5,6 +5,7 @@
 
 #include "logbook/LogSearch.h"
 #include "logbook/LogSpread.h"
+#include "tests/TestFiles.h"
 
 #include <fstream>
 #include <sstream>
@@ -79,22 +80,16 @@ TEST(LogSpread, StatementsCharacterForCharacter)
     EXPECT_EQ(images, logbook::ImageListSql("Show All Types"));
     EXPECT_EQ(images + "Where Logtype = 'It''s'", logbook::ImageListSql("It's"));
 
-    // The design text of the box becomes "Show All Types" before the query is made.
+    // The design text of the box becomes "Show All Types" before the query is made. An empty
+    // logbook shows no rows and zero objects.
     LogSession s;
+    data::RebuildLink(*s.logbook, s.prefs.cdDrive, s.prefs.UseCd);
     LogSpread view(s.context);
     EXPECT_EQ("Combo1", view.cboLogTypeFilter);
     view.Init();
     EXPECT_EQ("Show All Types", view.cboLogTypeFilter);
     EXPECT_EQ(join, view.sql);
     EXPECT_EQ((Strings{"Show All Types", "Default", "Galaxies"}), view.logTypeItems);
-}
-
-TEST(LogSpread, EmptyLogbookShowsNoRowsAndZeroObjects)
-{
-    LogSession s;
-    data::RebuildLink(*s.logbook, s.prefs.cdDrive, s.prefs.UseCd);
-    LogSpread view(s.context);
-    view.Init();
     ASSERT_TRUE(view.LoadTheGrid());
     EXPECT_TRUE(view.grdObjectLog.empty());
     EXPECT_TRUE(view.ListView2.empty());
@@ -251,10 +246,7 @@ TEST(LogSpread, ColumnWidthsRoundTripThroughTheFile)
         view.widths[col] = static_cast<double>(col) + 0.5;
     view.widths[5] = 0; // a hidden column stays hidden
     view.SaveTheColumns();
-    std::ifstream in(s.f.dir.File("dbCol2.dat"), std::ios::binary);
-    std::stringstream read;
-    read << in.rdbuf();
-    const std::string text = read.str();
+    const std::string text = test_files::ReadText(s.f.dir.File("dbCol2.dat"));
     EXPECT_EQ("\"0.5\",\"1.5\",\"2.5\",\"3.5\",\"4.5\"\r\n", text.substr(0, 31));
     EXPECT_EQ(6, std::count(text.begin(), text.end(), '\n')); // 28 widths, 5 a line
 
