@@ -4,6 +4,7 @@
 #include "CliRunner.h"
 
 #include "data/Database.h"
+#include "tests/data/TestDatabases.h"
 
 #include <QStandardPaths>
 #include <QTemporaryDir>
@@ -15,6 +16,10 @@
 
 namespace {
 
+using testing_data::Dump;
+using testing_data::One;
+using testing_data::Rows;
+
 const QString Sample = OLDLOG_SAMPLE;
 
 bool HaveMdbTools()
@@ -23,58 +28,11 @@ bool HaveMdbTools()
            !QStandardPaths::findExecutable("mdb-json").isEmpty();
 }
 
-std::string One(data::Database& db, const std::string& sql)
-{
-    auto rs = db.OpenRecordset(sql, data::Snapshot);
-    return rs.Eof() ? std::string("<none>") : rs.Fields(0).Value();
-}
-
-std::vector<std::string> Rows(data::Database& db, const std::string& sql)
-{
-    std::vector<std::string> rows;
-    for (auto rs = db.OpenRecordset(sql, data::Snapshot); !rs.Eof(); rs.MoveNext()) {
-        std::string row;
-        for (int i = 0; i < rs.FieldCount(); ++i)
-            row += (i ? "|" : "") + (rs.Fields(i).IsNull() ? "<null>" : rs.Fields(i).Value());
-        rows.push_back(row);
-    }
-    return rows;
-}
-
 std::unique_ptr<data::Database> OpenLogbook(const QString& home)
 {
     data::OpenOptions options;
     options.wal = true; // as the program opens it, so a killed writer's log is rolled back
     return data::Database::Open(home.toStdString() + "/Logbook2003-1.mdb", options);
-}
-
-// Every row of every table of the logbook, each prefixed with its table (SQLite's counters
-// of given numbers left out).
-std::multiset<std::string> Dump(data::Database& db)
-{
-    std::multiset<std::string> rows;
-    for (const std::string& table :
-         Rows(db, "Select name From sqlite_master Where type = 'table' And substr(name, 1, 7) <> "
-                  "'sqlite_' Order By name"))
-        for (const std::string& row : Rows(db, "Select * From [" + table + "]"))
-            rows.insert(table + ": " + row);
-    return rows;
-}
-
-// A run as the runner starts one, with the program search path path.
-clitest::CliRun RunWithPath(const QString& home, const QStringList& args, const QString& path)
-{
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    for (const char* name :
-         {"SELVANE_HOME", "SELVANE_SETTINGS", "LC_ALL", "LC_TIME", "LC_NUMERIC", "LANGUAGE"})
-        env.remove(name);
-    env.insert("LANG", "C");
-    env.insert("PATH", path);
-    QProcess run;
-    run.setProcessEnvironment(env);
-    run.start(SELVANE_CLI, QStringList{"--home", home, "--settings", home + "/s.ini"} + args);
-    EXPECT_TRUE(run.waitForFinished(120000));
-    return clitest::Finish(run);
 }
 
 TEST(ImportJet, SampleLogbook)
@@ -162,8 +120,7 @@ TEST(ImportJet, BadInputLeavesTheLogbookAlone)
     // clang-format on
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const clitest::CliRun run =
-            c.path.isEmpty() ? clitest::RunCli(dir, c.args) : RunWithPath(dir, c.args, c.path);
+        const clitest::CliRun run = clitest::RunCli(dir, c.args, "C", c.path);
         EXPECT_EQ(c.exit, run.exit) << run.err;
         EXPECT_TRUE(run.lines.empty());
         for (const std::string& mention : c.mentions)
