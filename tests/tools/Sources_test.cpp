@@ -1,6 +1,7 @@
 #include "tools/Sources.h"
 
 #include "services/Fault.h"
+#include "tests/TestFiles.h"
 
 #include <QTemporaryDir>
 
@@ -15,7 +16,7 @@ namespace {
 std::string WriteFile(const QTemporaryDir& dir, const std::string& name, const std::string& text)
 {
     const std::string path = dir.filePath(QString::fromStdString(name)).toStdString();
-    std::ofstream(path, std::ios::binary) << text;
+    test_files::WriteText(path, text);
     return path;
 }
 
