@@ -22,8 +22,6 @@
 #include <QTimer>
 
 #include <cstdlib>
-#include <fstream>
-#include <sstream>
 
 #include <gtest/gtest.h>
 

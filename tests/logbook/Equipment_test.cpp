@@ -6,8 +6,6 @@
 #include "tests/TestFiles.h"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 

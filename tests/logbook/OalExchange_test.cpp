@@ -4,7 +4,6 @@
 #include "services/Fault.h"
 #include "tests/TestFiles.h"
 
-#include <QFile>
 #include <QProcess>
 
 #include <fstream>
