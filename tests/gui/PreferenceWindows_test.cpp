@@ -16,6 +16,7 @@
 
 #include <fstream>
 #include <memory>
+#include <tuple>
 
 #include <gtest/gtest.h>
 
@@ -84,16 +85,10 @@ TEST(frmPref7, KeptValuesSurviveTheNextStart)
     QTest::mouseClick(Box<QPushButton>(window, "cmdOK"), Qt::LeftButton);
     EXPECT_TRUE(p.ui.shown.empty());
     EXPECT_EQ(window.result(), QDialog::Accepted);
-    const data::Preferences again = p.ReadBack();
-    EXPECT_EQ(again.PInterval, 20);
-    EXPECT_EQ(again.Pminalt, "15");
-    EXPECT_DOUBLE_EQ(again.PAzm1, 90);
-    EXPECT_DOUBLE_EQ(again.PAzm2, 180);
-    EXPECT_DOUBLE_EQ(again.PAzm3, 0);
-    EXPECT_EQ(again.Psupo, "Y");
-    EXPECT_FALSE(again.zerosup);
-    EXPECT_EQ(again.rowret, 500);
-    EXPECT_EQ(p.prefs.rowret, 500);
+    const data::Preferences a = p.ReadBack();
+    EXPECT_EQ(std::tie(a.PInterval, a.Pminalt, a.PAzm1, a.PAzm2, a.PAzm3, a.Psupo, a.zerosup,
+                       a.rowret, p.prefs.rowret),
+              std::tuple(20, "15", 90.0, 180.0, 0.0, "Y", false, 500L, 500L));
 }
 
 TEST(frmPref2, ChoosingAPlaceFillsTheSite)
