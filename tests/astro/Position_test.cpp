@@ -6,6 +6,7 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -409,9 +410,8 @@ TEST(FindBestTimeToObserve, RealTimeTakesOnlyTheDateFromTheComputer)
         const astro::BestTime expected =
             astro::FindBestTimeToObserve(planned, kComputer, ra, dec, 15, faults);
         EXPECT_NE(got.bestTime, "n/a");
-        EXPECT_EQ(got.bestTime, expected.bestTime);
-        EXPECT_EQ(got.bestAltitude, expected.bestAltitude);
-        EXPECT_EQ(got.bestAzimuth, expected.bestAzimuth);
+        EXPECT_EQ(std::tie(got.bestTime, got.bestAltitude, got.bestAzimuth),
+                  std::tie(expected.bestTime, expected.bestAltitude, expected.bestAzimuth));
         EXPECT_TRUE(faults.reports.empty());
     }
 }

@@ -420,8 +420,8 @@ TEST_F(PlanLoad, RowsInTheOrderOfTaggingWithoutFilters)
     EXPECT_EQ(Column(grid, kObjectIdCol), "NGC 7331|NGC 224");
     EXPECT_EQ(Column(grid, kPlnCol), "X*|X");
     EXPECT_EQ(grid.Text(2, 3), "X"); // observed, yet kept
-    EXPECT_EQ(TMM.status.selected, "Selected 4 objects");
-    EXPECT_EQ(TMM.status.lblMisc, "4 Object(s) In Your Plan");
+    EXPECT_EQ(TMM.status.selected + "|" + TMM.status.lblMisc,
+              "Selected 4 objects|4 Object(s) In Your Plan");
     EXPECT_EQ(TMM.SQL, "Select * From SelvaneTable Where ID = 555");
     EXPECT_FALSE(TMM.PlanLoad);
     EXPECT_TRUE(ui.shown.empty());
