@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <tuple>
 
 using namespace testing_data;
 
@@ -28,13 +29,10 @@ TEST(LoadPreferences, MissingSectionGivesDefaultsAndAFirstRun)
     p.FIRST = false;
     p.Plat = 0;
     data::LoadPreferences(p, store, f.dir);
-    EXPECT_TRUE(p.FIRST);
-    EXPECT_DOUBLE_EQ(46.5, p.Plat);
-    EXPECT_EQ(f.dir.Text("SelvPro708000.mdb"), p.cdDrive);
-    EXPECT_EQ(f.dir.Text("SuperTycho"), p.STychoPath);
-    EXPECT_EQ("Ori-Orion;", p.Obcon);
-    EXPECT_EQ("Courier New", p.CFontName[4]);
-    EXPECT_EQ(0, p.rowret);
+    EXPECT_EQ(std::tie(p.FIRST, p.Plat, p.Obcon, p.CFontName[4], p.rowret),
+              std::tuple(true, 46.5, "Ori-Orion;", "Courier New", 0L));
+    EXPECT_EQ(p.cdDrive + "|" + p.STychoPath,
+              f.dir.Text("SelvPro708000.mdb") + "|" + f.dir.Text("SuperTycho"));
 }
 
 // One value that cannot be converted, or that the program cannot compute with, deletes the whole

@@ -106,9 +106,8 @@ TEST(ReadVariableStars, AmplitudeFlagGivesTheMinimum)
                                 "9\tY Psc\tL\t8.0\t0\t\t\tV\t\t\t\t\n");
     const auto stars = tools::ReadVariableStars(path);
     ASSERT_EQ(stars.size(), 3u);
-    EXPECT_EQ(stars[0].name, "R And");
-    EXPECT_DOUBLE_EQ(*stars[0].minMagnitude, 15.2);
-    EXPECT_DOUBLE_EQ(*stars[0].periodDays, 409.2);
+    EXPECT_EQ(std::tie(stars[0].name, *stars[0].minMagnitude, *stars[0].periodDays),
+              std::tuple("R And", 15.2, 409.2));
     EXPECT_NEAR(*stars[1].minMagnitude, 7.55, 1e-12);
     EXPECT_FALSE(stars[1].epochOfMaximum.has_value());
     EXPECT_FALSE(stars[2].minMagnitude.has_value());
