@@ -358,8 +358,7 @@ TEST(frmLogEntryNew, CcdLogAndAttachedImage)
     ASSERT_EQ(w.cbologimages->count(), 1);
     EXPECT_TRUE(w.cbologimages->currentText().endsWith(" " + picture));
     EXPECT_EQ(w.lblImageDescription->text(), "Core and dust lanes, 300 s");
-    EXPECT_TRUE(w.svImage1->isVisibleTo(&w));
-    EXPECT_FALSE(w.svImage1->pixmap().isNull());
+    EXPECT_TRUE(w.svImage1->isVisibleTo(&w) && !w.svImage1->pixmap().isNull());
     SaveShot(w, "log-image.png", w.cbologimages);
 
     w.imageBar->findChild<QAction*>("deleteimage")->trigger();
@@ -448,8 +447,8 @@ TEST(LogbookWiring, ObsColumnClickLogsTheRow)
     frmLogEntryNew* entry = s.EntryWindow();
     ASSERT_NE(entry, nullptr);
     EXPECT_TRUE(entry->isVisible());
-    EXPECT_EQ(entry->lblObNo->text().toStdString(), number);
-    EXPECT_EQ(entry->txtObjectID->text(), "NGC 1976");
+    EXPECT_EQ((entry->lblObNo->text() + "|" + entry->txtObjectID->text()).toStdString(),
+              number + "|NGC 1976");
     EXPECT_EQ(entry->grdLog->rowCount(), 2);
 }
 

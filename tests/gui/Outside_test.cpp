@@ -144,7 +144,7 @@ TEST(OutsideWindow, AWholeEntryFromTheKeyboard)
     EXPECT_EQ(s.window->txtObs->text(), "1");
     EXPECT_EQ(s.ui.shown.back().ShortMessage, "Observation Added");
     EXPECT_EQ(s.Focused(), s.window->Control("txtObjectID"));
-    EXPECT_EQ(s.window->vaSpread1->rowCount(), 1);
+    ASSERT_EQ(s.window->vaSpread1->rowCount(), 1);
     EXPECT_EQ(s.window->vaSpread1->item(0, 0)->text(), "NGC 224");
     EXPECT_EQ(Value(*s.logbookDb, "Select ImageName From CCDLog Where ObservationNumber = 1"),
               "m31-01");

@@ -7,8 +7,7 @@
 #include "logbook/LogSpread.h"
 #include "tests/TestFiles.h"
 
-#include <fstream>
-#include <sstream>
+#include <tuple>
 
 using logbook::LogSortBoxes;
 using logbook::LogSpread;
@@ -255,11 +254,11 @@ TEST(LogSpread, ColumnWidthsRoundTripThroughTheFile)
         s.prefs.autosizespread = wider;
         LogSpread next(s.context);
         next.SetDBColumns();
-        EXPECT_EQ(defaults[0], next.widths[0]); // the row headers are not set
-        EXPECT_EQ(wider ? 2.5 : 1.5, next.widths[1]);
-        EXPECT_EQ(0, next.widths[5]);
-        EXPECT_EQ(wider ? 28.5 : 27.5, next.widths[27]);
-        EXPECT_EQ(defaults[28], next.widths[28]); // column 28 is not stored
+        // The row headers are not set, and column 28 is not stored.
+        EXPECT_EQ(
+            std::tuple(next.widths[0], next.widths[1], next.widths[5], next.widths[27],
+                       next.widths[28]),
+            std::tuple(defaults[0], wider ? 2.5 : 1.5, 0.0, wider ? 28.5 : 27.5, defaults[28]));
     }
 }
 
