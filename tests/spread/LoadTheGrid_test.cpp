@@ -116,8 +116,7 @@ TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
     TMM.prefs.rowret = 5;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     EXPECT_EQ(Ids(), (std::vector<std::string>{"N2", "N4", "N6", "N8", "N10"}));
-    EXPECT_EQ(TMM.status.selected, "Selected 20 objects");
-    EXPECT_EQ(TMM.status.lblNOM, "5 Objects");
+    EXPECT_EQ(TMM.status.selected + "|" + TMM.status.lblNOM, "Selected 20 objects|5 Objects");
     EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
     EXPECT_FALSE(TMM.QueryRunning);
     for (const auto& s : ui.shown)
@@ -431,8 +430,7 @@ TEST_F(LoadFixture, BuildTakesTheFilterSettings)
     EXPECT_EQ(Ids(), (std::vector<std::string>{"M 31", "NGC 7000"}));
     EXPECT_NE(TMM.SQL.find("WHERE"), std::string::npos);
     EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
-    EXPECT_FALSE(TMM.OrderBy.empty());
-    EXPECT_FALSE(load.failed);
+    EXPECT_FALSE(TMM.OrderBy.empty() || load.failed);
 }
 
 TEST_F(LoadFixture, StateChoosesTheDatabaseTabAndFilters)
