@@ -3,6 +3,7 @@
 #include "CliRunner.h"
 
 #include "data/Database.h"
+#include "tests/data/TestDatabases.h"
 
 #include <QDate>
 #include <QDir>
@@ -35,9 +36,8 @@ protected:
     {
         data::OpenOptions readOnly;
         readOnly.readOnly = true;
-        auto db = data::Database::Open(Path(file), readOnly);
-        auto rs = db->OpenRecordset("Select count(*) From Logbook", data::Snapshot);
-        return static_cast<long>(rs.Fields(0).Long());
+        return std::stol(testing_data::One(*data::Database::Open(Path(file), readOnly),
+                                           "Select count(*) From Logbook"));
     }
 
     QTemporaryDir home;

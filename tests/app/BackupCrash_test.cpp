@@ -9,6 +9,7 @@
 #include "CliRunner.h"
 
 #include "data/Database.h"
+#include "tests/data/TestDatabases.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -66,15 +67,12 @@ protected:
         data::OpenOptions options;
         options.wal = true;
         auto db = data::Database::Open(logbookPath(), options);
-        auto check = db->OpenRecordset("PRAGMA integrity_check", data::Snapshot);
-        EXPECT_EQ("ok", check.Fields(0).Value());
+        EXPECT_EQ("ok", testing_data::One(*db, "PRAGMA integrity_check"));
         std::string text;
-        auto rs = db->OpenRecordset("Select ObservationNumber, ObjectID, ShortDescription, "
-                                    "ObservationText From Logbook Order By 1",
-                                    data::Snapshot);
-        for (; !rs.Eof(); rs.MoveNext())
-            for (int i = 0; i < 4; ++i)
-                text += rs.Fields(i).Value() + (i == 3 ? "\n" : "|");
+        for (const std::string& row : testing_data::Rows(*db, "Select ObservationNumber, ObjectID, "
+                                                              "ShortDescription, ObservationText "
+                                                              "From Logbook Order By 1"))
+            text += row + "\n";
         return text;
     }
 

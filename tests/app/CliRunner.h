@@ -33,15 +33,18 @@ inline std::vector<std::string> Split(const std::string& text, char separator)
     }
 }
 
-// Starts selvane-cli with --home and --settings in the folder home.
+// Starts selvane-cli with --home and --settings in the folder home; path, when given, is the
+// program search path of the run.
 inline void StartCli(QProcess& process, const QString& home, const QStringList& args,
-                     const QString& lang = "C")
+                     const QString& lang = "C", const QString& path = {})
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     for (const char* name :
          {"SELVANE_HOME", "SELVANE_SETTINGS", "LC_ALL", "LC_TIME", "LC_NUMERIC", "LANGUAGE"})
         env.remove(name);
     env.insert("LANG", lang);
+    if (!path.isEmpty())
+        env.insert("PATH", path);
     process.setProcessEnvironment(env);
     process.start(SELVANE_CLI, QStringList{"--home", home, "--settings", home + "/s.ini"} + args);
 }
@@ -59,10 +62,11 @@ inline CliRun Finish(QProcess& process)
     return run;
 }
 
-inline CliRun RunCli(const QString& home, const QStringList& args, const QString& lang = "C")
+inline CliRun RunCli(const QString& home, const QStringList& args, const QString& lang = "C",
+                     const QString& path = {})
 {
     QProcess process;
-    StartCli(process, home, args, lang);
+    StartCli(process, home, args, lang, path);
     EXPECT_TRUE(process.waitForFinished(120000));
     return Finish(process);
 }

@@ -99,19 +99,16 @@ TEST_F(SelvaneCli, KnownRowsOfTheList)
     const CliRun run = Cli({"--set", "Prise=Y", "--set", "ShowCharts=True", "grid"});
     ASSERT_EQ(run.exit, 0) << run.err;
     ASSERT_EQ(run.lines.size(), 111u);
-    const std::vector<std::string> m42 = Split(run.lines[42], '\t');
-    EXPECT_EQ(m42[4], "M 42");
-    EXPECT_EQ(m42[5], "Nb");
-    EXPECT_EQ(m42[6], "05 35 16.5");
-    EXPECT_EQ(m42[7], "-05 23 22.8");
-    EXPECT_EQ(m42[14], "Ori");
+    const auto cells = [&](std::size_t line, std::initializer_list<std::size_t> indexes) {
+        const std::vector<std::string> all = Split(run.lines[line], '\t');
+        std::string out;
+        for (std::size_t i : indexes)
+            out += (out.empty() ? "" : "|") + all.at(i);
+        return out;
+    };
     // Sky Atlas 2000.0 chart 11 and Uranometria 2000.0 chart 225 hold the Orion nebula.
-    EXPECT_EQ(m42[27], "11");
-    EXPECT_EQ(m42[28], "225");
-    const std::vector<std::string> m81 = Split(run.lines[81], '\t');
-    EXPECT_EQ(m81[4], "M 81");
-    EXPECT_EQ(m81[11], "CPolar");
-    EXPECT_EQ(m81[13], "");
+    EXPECT_EQ(cells(42, {4, 5, 6, 7, 14, 27, 28}), "M 42|Nb|05 35 16.5|-05 23 22.8|Ori|11|225");
+    EXPECT_EQ(cells(81, {4, 11, 13}), "M 81|CPolar|");
 }
 
 // The same night typed in the regional short date of the machine gives the same list.
@@ -299,13 +296,11 @@ struct Impossible
     const char* value;
 };
 
-// Values no clock or site has, each with every computed column on.
+// Values no clock or site has, each with every computed column on; the rules' limits are
+// checked with the rules themselves.
 const Impossible kImpossible[] = {
-    {"PDate", "02/29/2025"}, {"PDate", "11/31/2026"}, {"PDate", "13/45/2026"},
-    {"PDate", "tomorrow"},   {"Ptime", "25:99"},      {"Ptime", "ten"},
-    {"Plat", "90"},          {"Plat", "-91"},         {"Plat", "abc"},
-    {"PLon", "400"},         {"PTz", "30"},           {"PInterval", "0"},
-    {"PPre", "abc"},
+    {"PDate", "02/29/2025"}, {"Ptime", "ten"},   {"Plat", "90"},  {"PLon", "400"},
+    {"PTz", "30"},           {"PInterval", "0"}, {"PPre", "abc"},
 };
 
 const QStringList kEveryColumn{"--set", "Prise=Y",         "--set", "optimum=True",

@@ -7,6 +7,7 @@
 #include "CliRunner.h"
 
 #include "data/Database.h"
+#include "tests/data/TestDatabases.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
@@ -28,11 +29,7 @@ struct Entry
     bool certain = true; // false: a killed command may or may not have changed it
 };
 
-std::string One(data::Database& db, const std::string& sql)
-{
-    auto rs = db.OpenRecordset(sql, data::Snapshot);
-    return rs.Eof() ? std::string("<none>") : rs.Fields(0).Value();
-}
+using testing_data::One;
 
 std::set<std::string> Column(data::Database& db, const std::string& sql)
 {

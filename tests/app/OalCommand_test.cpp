@@ -2,8 +2,8 @@
 // back into another program folder's empty logbook.
 
 #include "CliRunner.h"
+#include "tests/TestFiles.h"
 
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -28,11 +28,9 @@ TEST(OalCli, ExportImportAndRefusals)
                              "Select * From Logbook Where ObjectID = 'NGC 7000'"});
     EXPECT_EQ(0, run.exit) << run.err;
     EXPECT_EQ(Lines{"1"}, run.lines);
-    QFile written(file);
-    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
-    const QByteArray xml = written.readAll();
-    EXPECT_TRUE(xml.contains("<surname>Observer</surname>"));
-    EXPECT_TRUE(xml.contains("<observation id=\"obs_2\">"));
+    const std::string xml = test_files::ReadText(file.toStdString());
+    EXPECT_NE(xml.find("<surname>Observer</surname>"), std::string::npos);
+    EXPECT_NE(xml.find("<observation id=\"obs_2\">"), std::string::npos);
 
     run = RunCli(from.path(), {"oal", "export", file});
     EXPECT_EQ(Lines{"2"}, run.lines);
@@ -51,10 +49,7 @@ TEST(OalCli, ExportImportAndRefusals)
     EXPECT_TRUE(run.lines[1].ends_with("\tDefault")) << run.lines[1];
 
     const QString notLog = to.filePath("notes.txt");
-    QFile text(notLog);
-    ASSERT_TRUE(text.open(QIODevice::WriteOnly));
-    text.write("just notes\n");
-    text.close();
+    test_files::WriteText(notLog.toStdString(), "just notes\n");
     run = RunCli(to.path(), {"oal", "import", notLog});
     EXPECT_EQ(1, run.exit);
     EXPECT_TRUE(run.lines.empty());

@@ -164,27 +164,6 @@ TEST_F(WhatsUpCli, FinishPutsBackOrKeepsTheValues)
     EXPECT_EQ(Stored("wizapppref"), "False");
 }
 
-// Cancel on each page: the lists the pages took before it stay in force, nothing else changes,
-// and the tab keeps the start list.
-TEST_F(WhatsUpCli, CancelOnEachPage)
-{
-    const QStringList pages{"--set",         "ObCat=Caldwell;", "whatsup",    "--con",
-                            "And-Andromeda", "--type",          "Galaxy",     "--cat",
-                            "NGC 2000",      "--date",          "03/20/2024", "--cancel-at"};
-    for (int page = 1; page <= 6; ++page) {
-        SCOPED_TRACE(page);
-        State state = StateOf(Cli(pages + QStringList{QString::number(page), "--state"}));
-        EXPECT_EQ(state["Obcon"], page > 1 ? "And-Andromeda;" : "Ori-Orion;");
-        EXPECT_EQ(state["Obtod"], page > 2 ? "Galaxy;" : "All Types");
-        EXPECT_EQ(state["ObCat"], page > 4 ? "NGC 2000;" : "Caldwell;");
-        EXPECT_EQ(state["PDate"], page > 5 ? "03/20/2024" : "03/15/2024");
-        EXPECT_EQ(state["SQL"], "Select * From SelvaneTable Where MessierNumber > 0 and catalog "
-                                "= '2000' order by MessierNumber");
-    }
-    // The header and the 110 Messier objects.
-    EXPECT_EQ(Cli(pages + QStringList{"5"}).lines.size(), 111u);
-}
-
 // The What's Up lists without pages: Messier by constellation (PmSort 4), Herschel by altitude
 // (PsSort 1, done by the grid, here descending), each above the horizon and at most magnitude 8.
 TEST_F(WhatsUpCli, MessierAndHerschelLists)

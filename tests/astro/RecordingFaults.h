@@ -29,6 +29,15 @@ public:
     }
     void EndProcess(int exitCode) override { throw ProcessEnded{exitCode}; }
 
+    // Each report as "message @ location".
+    std::vector<std::string> Texts() const
+    {
+        std::vector<std::string> texts;
+        for (const Report& r : reports)
+            texts.push_back(r.message + " @ " + r.location);
+        return texts;
+    }
+
     std::vector<Report> reports;
 };
 

@@ -16,12 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-std::string One(data::Database& db, const std::string& sql)
-{
-    auto rs = db.OpenRecordset(sql, data::Snapshot);
-    return rs.Eof() ? std::string("<none>") : rs.Fields(0).Value();
-}
-
 struct Logbook
 {
     TestFolder f;

@@ -5,6 +5,7 @@
 #include "data/SettingsStore.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
+#include "tests/TestFiles.h"
 
 #include <gtest/gtest.h>
 
@@ -190,8 +191,7 @@ TEST(CheckConvertLog, FindsAnEarlierLogbookInTheFolder)
         s.ui.SetErrorLog(s.f.dir.File("errorlog.txt"));
         EXPECT_EQ(row.found, data::CheckConvertLog(s.ui, s.f.dir));
         EXPECT_TRUE(s.ui.shown.empty());
-        std::ifstream log(s.f.dir.File("errorlog.txt"));
-        std::string text((std::istreambuf_iterator<char>(log)), {});
+        const std::string text = test_files::ReadText(s.f.dir.File("errorlog.txt"));
         EXPECT_EQ(row.logged, text.find("TMM.CheckConvertLog") != std::string::npos) << text;
     }
 }
@@ -266,8 +266,7 @@ TEST(CompactSelvaneLogbook, FailureAtEveryStepKeepsTheLogbook)
         {
             auto reopened = data::Database::Open(s.f.dir.File(data::LogbookName));
             EXPECT_EQ(52, CountRows(*reopened, "Logbook"));
-            auto check = reopened->OpenRecordset("PRAGMA integrity_check", data::Snapshot);
-            EXPECT_EQ("ok", check.Fields(0).Value());
+            EXPECT_EQ("ok", One(*reopened, "PRAGMA integrity_check"));
         }
         if (failing != CompactStep::CloseHandle) {
             ASSERT_TRUE(s.logbook);
@@ -292,6 +291,5 @@ TEST(CompactSelvaneLogbook, CompactsAndKeepsWriteAheadLog)
                   "successfully."}),
               Texts(s.ui));
     EXPECT_EQ(3, CountRows(*s.logbook, "Logbook"));
-    auto mode = s.logbook->OpenRecordset("PRAGMA journal_mode", data::Snapshot);
-    EXPECT_EQ("wal", mode.Fields(0).Value());
+    EXPECT_EQ("wal", One(*s.logbook, "PRAGMA journal_mode"));
 }

@@ -2,10 +2,10 @@
 
 #include "TestDatabases.h"
 #include "services/Fault.h"
+#include "tests/TestFiles.h"
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 
 using namespace testing_data;
 
@@ -19,11 +19,6 @@ std::string FaultOf(const std::function<void()>& body)
         return e.what();
     }
     return "no fault";
-}
-
-void WriteFile(const std::filesystem::path& path, const std::string& bytes)
-{
-    std::ofstream(path, std::ios::binary) << bytes;
 }
 
 } // namespace
@@ -153,8 +148,7 @@ TEST(Database, RefusesFilesThatAreNotItsDatabases)
     std::string truncated;
     {
         MakeObjectDatabase(f.dir.File("whole.mdb"));
-        std::ifstream in(f.dir.File("whole.mdb"), std::ios::binary);
-        truncated.assign(std::istreambuf_iterator<char>(in), {});
+        truncated = test_files::ReadText(f.dir.File("whole.mdb"));
         truncated.resize(truncated.size() / 2);
     }
     const std::vector<Row> rows = {
@@ -174,7 +168,7 @@ TEST(Database, RefusesFilesThatAreNotItsDatabases)
         SCOPED_TRACE(row.name);
         std::filesystem::remove(path);
         if (!row.missing)
-            WriteFile(path, row.bytes);
+            test_files::WriteText(path, row.bytes);
         EXPECT_EQ(row.message, FaultOf([&] { data::Database::Open(path); }));
         // Nothing was created or changed.
         EXPECT_EQ(!row.missing, std::filesystem::exists(path));

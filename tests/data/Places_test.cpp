@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <tuple>
+
 namespace {
 
 TEST(LoadObservingSites, LongitudeFollowsEastWest)
@@ -22,11 +24,10 @@ TEST(LoadObservingSites, LongitudeFollowsEastWest)
     db->Execute("Insert Into ObservingSites Values ('Old', '', 40, 75, Null, 5)");
     const auto sites = data::LoadObservingSites(*db);
     ASSERT_EQ(sites.size(), 4u);
-    EXPECT_DOUBLE_EQ(sites[0].Longitude, 90.2);
-    EXPECT_DOUBLE_EQ(sites[1].Longitude, -7.5);
-    EXPECT_DOUBLE_EQ(sites[2].Longitude, -3.5);
+    EXPECT_EQ(
+        std::tuple(sites[0].Longitude, sites[1].Longitude, sites[2].Longitude, sites[3].Longitude),
+        std::tuple(90.2, -7.5, -3.5, 75.0));
     EXPECT_EQ(sites[2].name, "Club's field");
-    EXPECT_DOUBLE_EQ(sites[3].Longitude, 75);
 }
 
 } // namespace

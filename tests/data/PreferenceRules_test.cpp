@@ -3,6 +3,7 @@
 #include <QTemporaryDir>
 
 #include <fstream>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -119,14 +120,9 @@ TEST(ApplyPreferenceEdits, ConvertsIntoTheTypedPreferences)
                                                               {"rowret", "250"},
                                                               {"Pminalt", ""}});
     ASSERT_FALSE(problem) << problem->text;
-    EXPECT_DOUBLE_EQ(prefs.Plat, -33.87);
-    EXPECT_EQ(prefs.PInterval, 15);
-    EXPECT_DOUBLE_EQ(prefs.PAzm3, 0);
-    EXPECT_DOUBLE_EQ(prefs.PAzm4, 270);
-    EXPECT_FALSE(prefs.zerosup);
-    EXPECT_EQ(prefs.Psupo, "Y");
-    EXPECT_EQ(prefs.rowret, 250);
-    EXPECT_EQ(prefs.Pminalt, "");
+    EXPECT_EQ(std::tie(prefs.Plat, prefs.PInterval, prefs.PAzm3, prefs.PAzm4, prefs.zerosup,
+                       prefs.Psupo, prefs.rowret, prefs.Pminalt),
+              std::tuple(-33.87, 15, 0.0, 270.0, false, "Y", 250L, ""));
 }
 
 TEST(ApplyPreferenceEdits, DatabaseMustBeAnObjectDatabaseFileThatExists)

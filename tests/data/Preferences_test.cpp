@@ -8,6 +8,7 @@
 #include <gtest/gtest.h>
 
 #include <fstream>
+#include <tuple>
 
 using namespace testing_data;
 
@@ -28,17 +29,15 @@ TEST(LoadPreferences, MissingSectionGivesDefaultsAndAFirstRun)
     p.FIRST = false;
     p.Plat = 0;
     data::LoadPreferences(p, store, f.dir);
-    EXPECT_TRUE(p.FIRST);
-    EXPECT_DOUBLE_EQ(46.5, p.Plat);
-    EXPECT_EQ(f.dir.Text("SelvPro708000.mdb"), p.cdDrive);
-    EXPECT_EQ(f.dir.Text("SuperTycho"), p.STychoPath);
-    EXPECT_EQ("Ori-Orion;", p.Obcon);
-    EXPECT_EQ("Courier New", p.CFontName[4]);
-    EXPECT_EQ(0, p.rowret);
+    EXPECT_EQ(std::tie(p.FIRST, p.Plat, p.Obcon, p.CFontName[4], p.rowret),
+              std::tuple(true, 46.5, "Ori-Orion;", "Courier New", 0L));
+    EXPECT_EQ(p.cdDrive + "|" + p.STychoPath,
+              f.dir.Text("SelvPro708000.mdb") + "|" + f.dir.Text("SuperTycho"));
 }
 
 // One value that cannot be converted, or that the program cannot compute with, deletes the whole
-// section: the load says which, and the next start is a first run with every default.
+// section: the load says which, and the next start is a first run with every default. Each
+// rule's limits are checked with the rules themselves.
 TEST(LoadPreferences, ValueThatCannotBeConvertedResetsEverything)
 {
     struct Row
@@ -50,25 +49,15 @@ TEST(LoadPreferences, ValueThatCannotBeConvertedResetsEverything)
         bool ruled; // refused by a rule rather than by the conversion
     };
     const std::vector<Row> rows = {
-        {"text in a latitude", "Plat=abc\nPTz=5\nFIRST=False\nObCat=IC;\nsort1=Magnitude\n",
-         "Plat", "abc", true},
+        {"text in a latitude", "Plat=abc\nPTz=5\nFIRST=False\nObCat=IC;\nsort1=Magnitude\n", "Plat",
+         "abc", true},
         {"empty number", "PInterval=\nFIRST=False\nPLon=71\n", "PInterval", "", true},
-        {"text in a Yes/No key", "FIRST=False\nShowMilky=perhaps\n", "ShowMilky", "perhaps",
-         false},
+        {"text in a Yes/No key", "FIRST=False\nShowMilky=perhaps\n", "ShowMilky", "perhaps", false},
         {"integer overflow", "FIRST=False\nmaintab=40000\n", "maintab", "40000", false},
         {"latitude on a pole", "Plat=90\nFIRST=False\n", "Plat", "90", true},
-        {"latitude past a pole", "Plat=-91\nFIRST=False\n", "Plat", "-91", true},
         {"no such date", "PDate=02/29/2025\nFIRST=False\n", "PDate", "02/29/2025", true},
-        {"no such month", "PDate=13/45/2026\nFIRST=False\n", "PDate", "13/45/2026", true},
-        {"a word for a date", "PDate=tomorrow\nFIRST=False\n", "PDate", "tomorrow", true},
         {"no such time", "Ptime=25:99\nFIRST=False\n", "Ptime", "25:99", true},
-        {"a word for a time", "Ptime=ten\nFIRST=False\n", "Ptime", "ten", true},
-        {"longitude", "PLon=400\nFIRST=False\n", "PLon", "400", true},
-        {"time zone", "PTz=30\nFIRST=False\n", "PTz", "30", true},
-        {"no interval", "PInterval=0\nFIRST=False\n", "PInterval", "0", true},
-        {"precession date", "PPre=abc\nFIRST=False\n", "PPre", "abc", true},
         {"azimuth", "PAzm3=400\nFIRST=False\n", "PAzm3", "400", true},
-        {"minimum altitude", "Pminalt=high\nFIRST=False\n", "Pminalt", "high", true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -258,7 +247,5 @@ TEST(GetLocalization, ProgramDefaultsUnderTheCLocale)
     p.datesep = ".";
     p.decimalchar = ",";
     data::GetLocalization(p, QLocale::c());
-    EXPECT_EQ("mm/dd/yy", p.dateformat);
-    EXPECT_EQ("/", p.datesep);
-    EXPECT_EQ(".", p.decimalchar);
+    EXPECT_EQ("mm/dd/yy / .", p.dateformat + " " + p.datesep + " " + p.decimalchar);
 }

@@ -8,6 +8,9 @@
 #include <QTemporaryDir>
 
 #include <memory>
+#include <set>
+#include <string>
+#include <vector>
 
 namespace testing_data {
 
@@ -28,5 +31,36 @@ void MakeAstComet(const std::filesystem::path& path);
 void MakeCcdImages(const std::filesystem::path& path);
 
 long CountRows(data::Database& db, const std::string& table);
+
+// The first column of the first row of a query; "<none>" without a row.
+inline std::string One(data::Database& db, const std::string& sql)
+{
+    auto rs = db.OpenRecordset(sql, data::Snapshot);
+    return rs.Eof() ? std::string("<none>") : rs.Fields(0).Value();
+}
+
+// The rows of a query, each as "value|value|..." with null as "<null>".
+inline std::vector<std::string> Rows(data::Database& db, const std::string& sql)
+{
+    std::vector<std::string> rows;
+    for (auto rs = db.OpenRecordset(sql, data::Snapshot); !rs.Eof(); rs.MoveNext()) {
+        std::string row;
+        for (int i = 0; i < rs.FieldCount(); ++i)
+            row += (i ? "|" : "") + (rs.Fields(i).IsNull() ? "<null>" : rs.Fields(i).Value());
+        rows.push_back(row);
+    }
+    return rows;
+}
+
+// Every row of every table, each prefixed with its table (SQLite's own tables left out).
+inline std::multiset<std::string> Dump(data::Database& db)
+{
+    std::multiset<std::string> rows;
+    for (const std::string& table : Rows(db, "Select name From sqlite_master Where type = 'table' "
+                                             "And substr(name, 1, 7) <> 'sqlite_'"))
+        for (const std::string& row : Rows(db, "Select * From [" + table + "]"))
+            rows.insert(table + ": " + row);
+    return rows;
+}
 
 } // namespace testing_data

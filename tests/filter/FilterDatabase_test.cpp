@@ -6,6 +6,7 @@
 #include "data/Preferences.h"
 #include "data/Schema.h"
 #include "services/Fault.h"
+#include "tests/filter/FilterTestSupport.h"
 
 #include <QTemporaryDir>
 
@@ -14,7 +15,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <functional>
 #include <memory>
 #include <random>
 #include <string>
@@ -23,6 +23,7 @@
 namespace {
 
 using data::ObjectFilter;
+using namespace filter_test;
 
 const std::filesystem::path SmallEdition =
     std::filesystem::path(SELVANE_RESOURCE_DIR) / "SelvPro13000.mdb";
@@ -79,15 +80,6 @@ protected:
         lookups = data::LoadFilterLookups(*db);
     }
 
-    static ObjectFilter Unselected()
-    {
-        ObjectFilter f = data::FilterFromPreferences(data::Preferences{});
-        f.ObCat = "All Catalogs";
-        f.Obcon = "All Constellations";
-        f.Obtod = "All Types";
-        return f;
-    }
-
     QTemporaryDir dir;
     std::filesystem::path path;
     std::unique_ptr<data::Database> db;
@@ -108,117 +100,61 @@ TEST_F(FilterOnDatabase, EachClauseKeepsTheRightObjects)
     struct Row
     {
         const char* name;
-        std::function<void(ObjectFilter&)> set;
+        Fields set;
         std::vector<long long> ids; // in order when ordered
         bool ordered = false;
+        bool fromDefaults = false; // the default selection instead of none
     };
     const Row rows[] = {
-        {"no selection drops null magnitudes", [](ObjectFilter&) {}, {1, 3, 5, 6, 7}},
-        {"the default selection",
-         [](ObjectFilter& f) { f = data::FilterFromPreferences(data::Preferences{}); },
-         {1}},
-        {"include blank magnitudes",
-         [](ObjectFilter& f) {
-             f = data::FilterFromPreferences(data::Preferences{});
-             f.PIB = "Y";
-         },
-         {1, 2}},
-        {"one constellation",
-         [](ObjectFilter& f) {
-             f.Obcon = "Ori-Orion;";
-             f.PIB = "Y";
-         },
-         {1, 2, 4, 6}},
-        {"one type", [](ObjectFilter& f) { f.Obtod = "Galaxy;"; }, {3, 5}},
+        {"no selection drops null magnitudes", {}, {1, 3, 5, 6, 7}},
+        {"the default selection", {}, {1}, false, true},
+        {"include blank magnitudes", {{&F::PIB, "Y"}}, {1, 2}, false, true},
+        {"one constellation", {{&F::Obcon, "Ori-Orion;"}, {&F::PIB, "Y"}}, {1, 2, 4, 6}},
+        {"one type", {{&F::Obtod, "Galaxy;"}}, {3, 5}},
         {"two catalogues",
-         [](ObjectFilter& f) {
-             f.ObCat = "Index Catalogue;Washington Double Stars;";
-             f.PIB = "Y";
-         },
+         {{&F::ObCat, "Index Catalogue;Washington Double Stars;"}, {&F::PIB, "Y"}},
          {4, 6}},
         {"all three selections",
-         [](ObjectFilter& f) {
-             f.ObCat = "NGC 2000;Index Catalogue;";
-             f.Obcon = "Ori-Orion;Cyg-Cygnus;";
-             f.Obtod = "Bright nebula;";
-             f.PIB = "Y";
-         },
+         {{&F::ObCat, "NGC 2000;Index Catalogue;"},
+          {&F::Obcon, "Ori-Orion;Cyg-Cygnus;"},
+          {&F::Obtod, "Bright nebula;"},
+          {&F::PIB, "Y"}},
          {1, 2, 4, 7}},
-        {"magnitude range",
-         [](ObjectFilter& f) {
-             f.gMagL = "4";
-             f.gMagU = "5";
-         },
-         {1, 6, 7}},
-        {"magnitude difference at most", [](ObjectFilter& f) { f.gmagdif = "1"; }, {5, 6}},
-        {"magnitude difference at least", [](ObjectFilter& f) { f.gmagdif2 = "0.7"; }, {6}},
-        {"size without blanks",
-         [](ObjectFilter& f) {
-             f.PIB3 = "N";
-             f.gSizeL = "50";
-         },
-         {1, 3, 7}},
-        {"separation",
-         [](ObjectFilter& f) {
-             f.gSepL = "30";
-             f.gSepH = "40";
-         },
-         {6}},
-        {"position angle", [](ObjectFilter& f) { f.gPAL = "200"; }, {6}},
+        {"magnitude range", {{&F::gMagL, "4"}, {&F::gMagU, "5"}}, {1, 6, 7}},
+        {"magnitude difference at most", {{&F::gmagdif, "1"}}, {5, 6}},
+        {"magnitude difference at least", {{&F::gmagdif2, "0.7"}}, {6}},
+        {"size without blanks", {{&F::PIB3, "N"}, {&F::gSizeL, "50"}}, {1, 3, 7}},
+        {"separation", {{&F::gSepL, "30"}, {&F::gSepH, "40"}}, {6}},
+        {"position angle", {{&F::gPAL, "200"}}, {6}},
         {"RA in whole hours",
-         [](ObjectFilter& f) {
-             f.PIB = "Y";
-             f.gFRAH = "5";
-             f.gTRAH = "5";
-             f.gTRAM = "59";
-         },
+         {{&F::PIB, "Y"}, {&F::gFRAH, "5"}, {&F::gTRAH, "5"}, {&F::gTRAM, "59"}},
          {1, 2, 4, 6}},
         {"declination in whole degrees",
-         [](ObjectFilter& f) {
-             f.PIB = "Y";
-             f.gFDECD = "-5";
-             f.gTDECD = "0";
-         },
+         {{&F::PIB, "Y"}, {&F::gFDECD, "-5"}, {&F::gTDECD, "0"}},
          {1, 2, 4}},
-        {"object id with a quote", [](ObjectFilter& f) { f.gObjID = "O'Brien*"; }, {5}},
-        {"object id with a one-letter wildcard",
-         [](ObjectFilter& f) { f.gObjID = "NGC 1?76"; },
-         {1}},
-        {"other id",
-         [](ObjectFilter& f) {
-             f.PIB = "Y";
-             f.gOther = "M *";
-         },
-         {1, 3}},
+        {"object id with a quote", {{&F::gObjID, "O'Brien*"}}, {5}},
+        {"object id with a one-letter wildcard", {{&F::gObjID, "NGC 1?76"}}, {1}},
+        {"other id", {{&F::PIB, "Y"}, {&F::gOther, "M *"}}, {1, 3}},
         {"two sort levels",
-         [](ObjectFilter& f) {
-             f.sort1 = "Magnitude";
-             f.Des1 = "D";
-             f.sort2 = "ObjectID";
-         },
+         {{&F::sort1, "Magnitude"}, {&F::Des1, "D"}, {&F::sort2, "ObjectID"}},
          {5, 6, 1, 7, 3},
          true},
         {"computed first level leaves the others",
-         [](ObjectFilter& f) {
-             f.sort1 = "Altitude";
-             f.sort2 = "Magnitude";
-             f.sort3 = "ObjectID";
-         },
+         {{&F::sort1, "Altitude"}, {&F::sort2, "Magnitude"}, {&F::sort3, "ObjectID"}},
          {3, 1, 7, 6, 5},
          true},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ObjectFilter f = Unselected();
-        row.set(f);
+        const ObjectFilter f = With(row.fromDefaults ? Defaults() : Unselected(), row.set);
         const std::string sql = data::BuildSQLSelectString(f, lookups).SQL;
         SCOPED_TRACE(sql);
         std::vector<long long> ids = Ids(*db, sql);
-        if (!row.ordered)
-            std::sort(ids.begin(), ids.end());
         std::vector<long long> expected = row.ids;
-        if (!row.ordered)
+        if (!row.ordered) {
+            std::sort(ids.begin(), ids.end());
             std::sort(expected.begin(), expected.end());
+        }
         EXPECT_EQ(ids, expected);
     }
 }
@@ -427,8 +363,7 @@ TEST(FilterOnSmallEdition, EveryRandomFilterAndFixedListRuns)
     }
     // The default selection, the NGC 2000 list in Orion, finds objects: the constellation
     // codes and the catalogue id of the shipped file are those the filter writes.
-    const ObjectFilter defaults = data::FilterFromPreferences(data::Preferences{});
-    EXPECT_FALSE(Ids(*db, data::BuildSQLSelectString(defaults, lookups).SQL).empty());
+    EXPECT_FALSE(Ids(*db, data::BuildSQLSelectString(Defaults(), lookups).SQL).empty());
     // The start query lists the Messier objects of the NGC 2000 list.
     EXPECT_EQ(Ids(*db, data::ShowMessierList().SQL).size(), 110u);
 }

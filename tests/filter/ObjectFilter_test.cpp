@@ -1,6 +1,7 @@
 #include "data/ObjectFilter.h"
 
 #include "data/Preferences.h"
+#include "tests/filter/FilterTestSupport.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ namespace {
 using data::BuildSQLSelectString;
 using data::DescTag;
 using data::ObjectFilter;
+using namespace filter_test;
 using ::testing::ElementsAreArray;
 using ::testing::HasSubstr;
 using ::testing::Not;
@@ -31,21 +33,6 @@ data::FilterLookups Lookups()
                {"D*", "Double star"},
                {"**", "Double star"}};
     return l;
-}
-
-ObjectFilter Defaults()
-{
-    return data::FilterFromPreferences(data::Preferences{});
-}
-
-// No selection at all: the SQL then starts with the magnitude clause.
-ObjectFilter Unselected()
-{
-    ObjectFilter f = Defaults();
-    f.ObCat = "All Catalogs";
-    f.Obcon = "All Constellations";
-    f.Obtod = "All Types";
-    return f;
 }
 
 // What the default ranges write after the magnitude 1 clause.
@@ -178,149 +165,94 @@ TEST(BuildSQLSelectString, RangeClauses)
     struct Row
     {
         const char* name;
-        std::function<void(ObjectFilter&)> set;
+        Fields set;
         std::vector<std::string> present;
         std::vector<std::string> absent;
     };
     const Row rows[] = {
         {"magnitude 1 with blanks, no selection",
-         [](ObjectFilter& f) { f.PIB = "Y"; },
+         {{&F::PIB, "Y"}},
          {"SelvaneTable  WHERE ((Magnitude >= -1 and Magnitude <= 999) or isnull(Magnitude)) "},
          {}},
         {"magnitude 1 with blanks after a selection",
-         [](ObjectFilter& f) {
-             f.PIB = "Y";
-             f.Obcon = "Ori-Orion;";
-         },
+         {{&F::PIB, "Y"}, {&F::Obcon, "Ori-Orion;"}},
          {"'Ori' )  and ((Magnitude >= -1 and Magnitude <= 999) or isnull(Magnitude)) "},
          {}},
         {"empty magnitude boxes take -1 and 999",
-         [](ObjectFilter& f) {
-             f.gMagL = "";
-             f.gMagU = "";
-             f.gMagL2 = "";
-             f.gMagU2 = "";
-         },
+         {{&F::gMagL, ""}, {&F::gMagU, ""}, {&F::gMagL2, ""}, {&F::gMagU2, ""}},
          {" WHERE Magnitude >= -1 and Magnitude <= 999 ",
           "(Magnitude2 >= -1 and Magnitude2 <= 999)"},
          {}},
         {"text in a box reads 0",
-         [](ObjectFilter& f) {
-             f.gMagL = "abc";
-             f.gMagU = "7,5";
-         },
+         {{&F::gMagL, "abc"}, {&F::gMagU, "7,5"}},
          {" WHERE Magnitude >= 0 and Magnitude <= 7 "},
          {}},
         {"magnitude 2 without blanks",
-         [](ObjectFilter& f) { f.PIB2 = "N"; },
+         {{&F::PIB2, "N"}},
          {" and Magnitude2 >= -1 and Magnitude2 <= 999 "},
          {"isnull(Magnitude2)"}},
         {"include-blank wants exactly Y",
-         [](ObjectFilter& f) {
-             f.PIB = "y";
-             f.PIB3 = "Yes";
-         },
+         {{&F::PIB, "y"}, {&F::PIB3, "Yes"}},
          {" and ObjectSize >= 0 and ObjectSize <= 9999 "},
          {"isnull(Magnitude)", "isnull(ObjectSize)"}},
         {"double-star differences",
-         [](ObjectFilter& f) {
-             f.gmagdif = "0.5";
-             f.gmagdif2 = " 2 ";
-         },
+         {{&F::gmagdif, "0.5"}, {&F::gmagdif2, " 2 "}},
          {"or isnull(Magnitude2))  and (abs(Magnitude-Magnitude2) <= 0.5)  and "
           "(abs(Magnitude-Magnitude2) >= 2)  and ((ObjectSize"},
          {}},
         {"blank differences write nothing",
-         [](ObjectFilter& f) {
-             f.gmagdif = "  ";
-             f.gmagdif2 = "";
-         },
+         {{&F::gmagdif, "  "}, {&F::gmagdif2, ""}},
          {},
          {"abs("}},
         {"size without blanks, empty boxes",
-         [](ObjectFilter& f) {
-             f.PIB3 = "N";
-             f.gSizeL = "";
-             f.gSizeU = "";
-         },
+         {{&F::PIB3, "N"}, {&F::gSizeL, ""}, {&F::gSizeU, ""}},
          {" and ObjectSize >= 0 and ObjectSize <= 9999  and RAHours"},
          {"isnull(ObjectSize)"}},
         {"empty separation and position angle boxes are the defaults",
-         [](ObjectFilter& f) {
-             f.gSepL = "";
-             f.gSepH = "";
-             f.gPAL = "";
-             f.gPAH = "";
-         },
+         {{&F::gSepL, ""}, {&F::gSepH, ""}, {&F::gPAL, ""}, {&F::gPAH, ""}},
          {},
          {"Separation", "PositionAngle"}},
         {"separation upper limit",
-         [](ObjectFilter& f) { f.gSepH = "10"; },
+         {{&F::gSepH, "10"}},
          {" and Separation >= 0 and Separation <= 10 "},
          {"PositionAngle"}},
         {"separation lower limit",
-         [](ObjectFilter& f) { f.gSepL = "2"; },
+         {{&F::gSepL, "2"}},
          {" and Separation >= 2 and Separation <= 9999 "},
          {}},
         {"a default typed differently is a limit",
-         [](ObjectFilter& f) { f.gSepH = "9999.0"; },
+         {{&F::gSepH, "9999.0"}},
          {" and Separation >= 0 and Separation <= 9999 "},
          {}},
         {"position angle",
-         [](ObjectFilter& f) {
-             f.gPAL = "45";
-             f.gPAH = "";
-         },
+         {{&F::gPAL, "45"}, {&F::gPAH, ""}},
          {" and PositionAngle >= 45 and PositionAngle <= 360  and RAHours"},
          {"Separation"}},
         {"RA in whole hours, minutes ignored",
-         [](ObjectFilter& f) {
-             f.gFRAH = "5";
-             f.gFRAM = "30";
-             f.gTRAH = "6";
-             f.gTRAM = "15";
-         },
+         {{&F::gFRAH, "5"}, {&F::gFRAM, "30"}, {&F::gTRAH, "6"}, {&F::gTRAM, "15"}},
          {" and RAHours >= 5 and RAHours <= 6 "},
          {"30", "15"}},
         {"RA across 0h is kept as typed",
-         [](ObjectFilter& f) {
-             f.gFRAH = "22";
-             f.gTRAH = "2";
-         },
+         {{&F::gFRAH, "22"}, {&F::gTRAH, "2"}},
          {" and RAHours >= 22 and RAHours <= 2 "},
          {}},
         {"declination in degrees, empty boxes",
-         [](ObjectFilter& f) {
-             f.gFDECD = "";
-             f.gTDECD = "";
-             f.gFDECM = "40";
-         },
+         {{&F::gFDECD, ""}, {&F::gTDECD, ""}, {&F::gFDECM, "40"}},
          {" and DeclinationDegrees >= -90 and DeclinationDegrees <= 90 "},
          {"40"}},
         {"object id trimmed, wildcard kept",
-         [](ObjectFilter& f) { f.gObjID = "  NGC 1*  "; },
+         {{&F::gObjID, "  NGC 1*  "}},
          {" and ObjectID Like 'NGC 1*' "},
          {"OtherID"}},
         {"quotes in ids are doubled",
-         [](ObjectFilter& f) {
-             f.gObjID = "O'Brien*";
-             f.gOther = "'";
-         },
+         {{&F::gObjID, "O'Brien*"}, {&F::gOther, "'"}},
          {" and ObjectID Like 'O''Brien*'  and OtherID Like '''' "},
          {}},
-        {"blank ids write nothing",
-         [](ObjectFilter& f) {
-             f.gObjID = " ";
-             f.gOther = "";
-         },
-         {},
-         {"Like"}},
+        {"blank ids write nothing", {{&F::gObjID, " "}, {&F::gOther, ""}}, {}, {"Like"}},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
-        ObjectFilter f = Unselected();
-        row.set(f);
-        const std::string sql = BuildSQLSelectString(f, Lookups()).SQL;
+        const std::string sql = BuildSQLSelectString(With(Unselected(), row.set), Lookups()).SQL;
         for (const std::string& text : row.present)
             EXPECT_THAT(sql, HasSubstr(text));
         for (const std::string& text : row.absent)

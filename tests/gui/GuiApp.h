@@ -6,6 +6,8 @@
 #include "spread/ui/BusyUiPort.h"
 
 #include <QApplication>
+#include <QListWidget>
+#include <QTest>
 
 #include <deque>
 #include <string>
@@ -20,6 +22,15 @@ inline QApplication& App()
     static char* argv[] = {name, nullptr};
     static QApplication* app = new QApplication(argc, argv);
     return *app;
+}
+
+// A person's click on an entry of a list: it toggles the entry.
+inline void Click(QListWidget& list, const QString& text)
+{
+    const auto found = list.findItems(text, Qt::MatchExactly);
+    ASSERT_EQ(found.size(), 1) << text.toStdString();
+    list.scrollToItem(found[0]);
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(found[0]).center());
 }
 
 // The program's port with its real busy window and progress bar; only the modal windows, which

@@ -5,15 +5,11 @@
 // logspread-grid.png, logspread-images.png and logspread-notes.png, and the search window as
 // logsearch.png.
 
-#include "app/LogbookWiring.h"
 #include "data/DatabaseFiles.h"
 #include "logbook/ui/ctlLogSpread.h"
 #include "logbook/ui/frmLogEntryNew.h"
 #include "logbook/ui/frmLogSearch.h"
-#include "spread/AppState.h"
-#include "spread/ui/frmMainScreen.h"
 
-#include "GuiApp.h"
 #include "LogbookFolder.h"
 
 #include <QApplication>
@@ -32,43 +28,25 @@
 #include <QTextEdit>
 #include <QTreeWidget>
 
-#include <cstdlib>
 #include <filesystem>
 
 #include <gtest/gtest.h>
 
 namespace {
 
-const std::filesystem::path kResources(SELVANE_RESOURCE_DIR);
-
-void SaveShot(QWidget& widget, const char* name)
-{
-    if (const char* folder = std::getenv("SELVANE_SCREENSHOTS")) {
-        Settle();
-        widget.grab().save(QString(folder) + "/" + name);
-    }
-}
-
 // The main window over a program folder whose logbook holds five entries, one with a CCD row
 // and a picture, three with notes.
-struct Screen
+struct Screen : LogbookScreen
 {
-    bool appReady = (App(), true);
-    QTemporaryDir temp;
-    data::ProgramDir dir{temp.path().toStdString()};
-    TestPort ui;
-    spread::AppState state{ui, dir, data::SettingsStore(dir.File("Selvane2000.ini"))};
-    astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};
-    std::unique_ptr<spread::frmMainScreen> window;
     QString picture;
 
     Screen()
+        : LogbookScreen({"Insert Into PerLogType (LogType, LogTypeDesc) Values ('Default', "
+                         "'Default')",
+                         "Insert Into ObservingSites (ProfileName) Values ('Backyard')"},
+                        {1300, 700})
     {
-        const std::filesystem::path objectPath = dir.File(data::ObjectDatabaseName);
-        std::filesystem::copy_file(kResources / "SelvPro13000.mdb", objectPath);
-        state.objectDb = data::Database::Open(objectPath, data::OpenOptions{});
-        data::OpenTheDatabase(dir, state.logbookDb, state.logbookPath);
-        data::RebuildLink(*state.logbookDb, objectPath.string(), false);
+        data::RebuildLink(*state.logbookDb, dir.File(data::ObjectDatabaseName).string(), false);
         picture = temp.filePath("m42.png");
         QImage image(320, 240, QImage::Format_RGB32);
         image.fill(QColor(10, 10, 40));
@@ -105,19 +83,8 @@ struct Screen
         state.logbookDb->Execute("Insert Into ImageLog (ObservationNumber, ImageDescription, "
                                  "ImagePath) Values (2, 'Trapezium region', '" +
                                  picture.toStdString() + "')");
-        state.logbookDb->Execute(
-            "Insert Into PerLogType (LogType, LogTypeDesc) Values ('Default', 'Default')");
-        state.logbookDb->Execute("Insert Into ObservingSites (ProfileName) Values ('Backyard')");
-        state.NoLoadYet = false;
-        spread::MainScreenHooks hooks;
-        hooks.computerClock = &clock;
-        window = std::make_unique<spread::frmMainScreen>(state, ui, hooks);
-        app::WireLogbook(*window, state, ui, clock, state.current);
-        window->resize(1300, 700);
-        window->show();
         Settle();
     }
-    ~Screen() { window.reset(); }
 
     logbook::ui::ctlLogSpread* View()
     {

@@ -7,14 +7,9 @@
 
 #include "logbook/ui/frmOutsideMain.h"
 
-#include "app/LogbookWiring.h"
-#include "data/DatabaseFiles.h"
 #include "data/ObjectFilter.h"
 #include "logbook/ui/frmOutsidePopup.h"
-#include "spread/AppState.h"
-#include "spread/ui/frmMainScreen.h"
 
-#include "GuiApp.h"
 #include "LogbookFolder.h"
 
 #include <QApplication>
@@ -41,21 +36,15 @@ namespace {
 using logbook::ui::frmOutsideMain;
 using logbook::ui::frmOutsidePopup;
 
-// A program folder whose logbook holds a log type, two instruments and a site.
-struct Folder : LogbookFolder
-{
-    Folder()
-        : LogbookFolder({
-              "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
-              "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
-              "Insert Into Equipment (Equipment) values ('ST-7 camera')",
-              "Insert Into ObservingSites (ProfileName) values ('Backyard')",
-          })
-    {
-    }
+// A logbook with a log type, two instruments and a site.
+const std::vector<std::string> Seed = {
+    "Insert Into PerLogType (LogType, LogTypeDesc) values ('Default', 'Default')",
+    "Insert Into Equipment (Equipment) values ('10 inch Dobsonian f/4.7')",
+    "Insert Into Equipment (Equipment) values ('ST-7 camera')",
+    "Insert Into ObservingSites (ProfileName) values ('Backyard')",
 };
 
-struct OutsideWindow : Folder
+struct OutsideWindow : LogbookFolder
 {
     TestPort ui;
     data::Preferences prefs;
@@ -65,7 +54,7 @@ struct OutsideWindow : Folder
     logbook::LogContext context{ui, nullptr, nullptr, prefs, dir, current, clock};
     std::unique_ptr<frmOutsideMain> window;
 
-    OutsideWindow()
+    OutsideWindow() : LogbookFolder(Seed)
     {
         context.logbook = logbookDb.get();
         context.objectDb = objectDb.get();
@@ -155,12 +144,10 @@ TEST(OutsideWindow, AWholeEntryFromTheKeyboard)
     EXPECT_EQ(s.window->txtObs->text(), "1");
     EXPECT_EQ(s.ui.shown.back().ShortMessage, "Observation Added");
     EXPECT_EQ(s.Focused(), s.window->Control("txtObjectID"));
-    EXPECT_EQ(s.window->vaSpread1->rowCount(), 1);
+    ASSERT_EQ(s.window->vaSpread1->rowCount(), 1);
     EXPECT_EQ(s.window->vaSpread1->item(0, 0)->text(), "NGC 224");
-    auto rs = s.logbookDb->OpenRecordset("Select ImageName From CCDLog Where ObservationNumber = 1",
-                                         data::Snapshot);
-    ASSERT_FALSE(rs.Eof());
-    EXPECT_EQ(rs.Fields(0).Value(), "m31-01");
+    EXPECT_EQ(Value(*s.logbookDb, "Select ImageName From CCDLog Where ObservationNumber = 1"),
+              "m31-01");
 
     // Clear, then the grid: Ctrl+G and Enter bring the entry back.
     s.Key(Qt::Key_C, Qt::ControlModifier);
@@ -209,10 +196,8 @@ TEST(OutsideWindow, AWholeEntryFromTheKeyboard)
     s.Key(Qt::Key_U, Qt::ControlModifier);
     EXPECT_EQ(s.ui.shown.back().ShortMessage, "Observation Updated");
     EXPECT_TRUE(qobject_cast<QTextEdit*>(s.window->Control("RichTextBox2"))->fontUnderline());
-    auto notes = s.logbookDb->OpenRecordset(
-        "Select ObservationText From Logbook Where ObservationNumber = 1", data::Snapshot);
-    EXPECT_NE(notes.Fields(0).Value().find("Bar"), std::string::npos);
-    notes.Close();
+    EXPECT_NE(Value(*s.logbookDb, "Select ObservationText From Logbook").find("Bar"),
+              std::string::npos);
 
     // Delete belongs to the first tab and asks nothing.
     s.Key(Qt::Key_1, Qt::ControlModifier);
@@ -225,27 +210,15 @@ TEST(OutsideWindow, AWholeEntryFromTheKeyboard)
 // The Outside tool of the main window opens the window on the spreadsheet's current object.
 TEST(OutsideWiring, TheOutsideToolOpensTheWindow)
 {
-    Folder f;
-    TestPort ui;
-    spread::AppState state{ui, f.dir, data::SettingsStore(f.dir.File("Selvane2000.ini"))};
-    astro::FixedClock clock{{2024, 3, 15, 22, 0, 0}};
-    state.objectDb = std::move(f.objectDb);
-    state.logbookDb = std::move(f.logbookDb);
-    state.NoLoadYet = false;
-    spread::MainScreenHooks hooks;
-    hooks.computerClock = &clock;
-    auto window = std::make_unique<spread::frmMainScreen>(state, ui, hooks);
-    app::WireLogbook(*window, state, ui, clock, state.current);
-    window->show();
-    state.current.id = "NGC 7000";
-    window->ab_ToolClick("tolOutside");
+    LogbookScreen s(Seed);
+    s.state.current.id = "NGC 7000";
+    s.window->ab_ToolClick("tolOutside");
     Settle();
-    auto* outside = dynamic_cast<frmOutsideMain*>(window->findChild<QWidget*>("frmOutsideMain"));
+    auto* outside = dynamic_cast<frmOutsideMain*>(s.window->findChild<QWidget*>("frmOutsideMain"));
     ASSERT_NE(outside, nullptr);
     EXPECT_TRUE(outside->isVisible());
     EXPECT_EQ(qobject_cast<QLineEdit*>(outside->Control("txtObjectID"))->text(), "NGC 7000");
-    EXPECT_EQ(state.settings.Get("firstoutside", ""), "Y");
-    window.reset();
+    EXPECT_EQ(s.state.settings.Get("firstoutside", ""), "Y");
 }
 
 } // namespace

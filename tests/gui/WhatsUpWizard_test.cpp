@@ -40,15 +40,6 @@ void Shot(QWidget& widget, const std::string& name)
     }
 }
 
-// A person's click on an entry of a list: it toggles the entry.
-void Click(QListWidget& list, const char* text)
-{
-    const auto found = list.findItems(text, Qt::MatchExactly);
-    ASSERT_EQ(found.size(), 1) << text;
-    list.scrollToItem(found[0]);
-    QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, list.visualItemRect(found[0]).center());
-}
-
 // The main window over the small edition and a logbook with one observing site, tab 0 holding
 // the Messier list as after the start; wiz1 opens the wizard, which is walked through its six
 // pages with the apply box off. The tab then holds the Orion and Monoceros open clusters up to

@@ -3,10 +3,9 @@
 #include "../data/TestDatabases.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
+#include "tests/TestFiles.h"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <string>
 #include <vector>
 
@@ -31,18 +30,8 @@ struct Port : services::ScriptedUiPort
     }
 };
 
-std::string FileText(const fs::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream text;
-    text << in.rdbuf();
-    return text.str();
-}
-
-void WriteText(const fs::path& path, const std::string& text)
-{
-    std::ofstream(path, std::ios::binary) << text;
-}
+using test_files::ReadText;
+using test_files::WriteText;
 
 const Regional Comma{"dd.mm.yyyy", ".", ","};
 
@@ -105,9 +94,9 @@ TEST(MakeScopeRecord, BoxesAsTheAddLeavesThem)
     Port ui;
     logbook::ScopeBoxes boxes{"Refractor", "1024", "6,35"};
     logbook::MakeScopeRecord(ui, boxes, Comma);
-    EXPECT_EQ(boxes.name, Pad("Refractor"));
-    EXPECT_EQ(boxes.aperture, "102");
-    EXPECT_EQ(boxes.fratio, "6,35"); // the value, shown with the regional sign
+    // The F-ratio is the value, shown with the regional sign.
+    EXPECT_EQ(boxes.name + "|" + boxes.aperture + "|" + boxes.fratio,
+              Pad("Refractor") + "|102|6,35");
 }
 
 TEST(SplitScopeRecord, RoundTripsThroughTheBoxes)
@@ -120,9 +109,8 @@ TEST(SplitScopeRecord, RoundTripsThroughTheBoxes)
             typed.fratio = "4,7";
         const std::string record = logbook::MakeScopeRecord(ui, typed, regional);
         logbook::ScopeBoxes split = logbook::SplitScopeRecord(record);
-        EXPECT_EQ(split.name, Pad("10 inch f/4.7 Dobsonian"));
-        EXPECT_EQ(split.fratio, "04.7");
-        EXPECT_EQ(split.aperture, " 254");
+        EXPECT_EQ(split.name + "|" + split.fratio + "|" + split.aperture,
+                  Pad("10 inch f/4.7 Dobsonian") + "|04.7| 254");
         // The aperture's blank and the file's full stop read back as they were written.
         EXPECT_EQ(logbook::MakeScopeRecord(ui, split, regional), record);
         EXPECT_TRUE(ui.shown.empty());
@@ -131,8 +119,7 @@ TEST(SplitScopeRecord, RoundTripsThroughTheBoxes)
     const logbook::ScopeBoxes empty = logbook::SplitScopeRecord("");
     EXPECT_EQ(empty.name + empty.fratio + empty.aperture, "");
     const logbook::ScopeBoxes shortRow = logbook::SplitScopeRecord(Pad("Binoculars") + "05");
-    EXPECT_EQ(shortRow.fratio, "05");
-    EXPECT_EQ(shortRow.aperture, "");
+    EXPECT_EQ(shortRow.fratio + "|" + shortRow.aperture, "05|");
 }
 
 TEST(MakeEyepieceRecord, ColumnsAndWarnings)
@@ -195,9 +182,9 @@ TEST(EquipmentFiles, ReadWriteAddDelete)
     EXPECT_EQ(rows, (std::vector<std::string>{"A   ", "B", "C", "", "D"}));
 
     ASSERT_TRUE(logbook::DeleteEquipmentRow(ui, f.dir, EquipmentKind::Scope, rows, 3));
-    EXPECT_EQ(FileText(scope), "A   \nB\nC\nD\n");
+    EXPECT_EQ(ReadText(scope), "A   \nB\nC\nD\n");
     ASSERT_TRUE(logbook::AddEquipmentRow(ui, f.dir, EquipmentKind::Scope, rows, "E "));
-    EXPECT_EQ(FileText(scope), "A   \nB\nC\nD\nE \n");
+    EXPECT_EQ(ReadText(scope), "A   \nB\nC\nD\nE \n");
     EXPECT_EQ(logbook::ReadEquipmentFile(f.dir, EquipmentKind::Scope), rows);
 
     // A row that is not there changes nothing.
@@ -205,13 +192,13 @@ TEST(EquipmentFiles, ReadWriteAddDelete)
         EXPECT_FALSE(logbook::DeleteEquipmentRow(ui, f.dir, EquipmentKind::Scope, rows, index));
         EXPECT_EQ(rows.size(), 5u);
     }
-    EXPECT_EQ(FileText(scope), "A   \nB\nC\nD\nE \n");
+    EXPECT_EQ(ReadText(scope), "A   \nB\nC\nD\nE \n");
 
     // The last row deleted leaves an empty file, which reads as an empty list.
     std::vector<std::string> one{"only"};
     ASSERT_TRUE(logbook::UpdateExp(ui, f.dir, one));
     ASSERT_TRUE(logbook::DeleteEquipmentRow(ui, f.dir, EquipmentKind::Exp, one, 0));
-    EXPECT_EQ(FileText(f.dir.File("exp.dat")), "");
+    EXPECT_EQ(ReadText(f.dir.File("exp.dat")), "");
     EXPECT_TRUE(logbook::ReadEquipmentList(ui, f.dir, EquipmentKind::Exp).empty());
 
     EXPECT_TRUE(ui.shown.empty());
@@ -230,21 +217,23 @@ TEST(EquipmentFiles, FaultsAreReportedAtTheirRoutine)
     EXPECT_TRUE(logbook::ReadEquipmentList(ui, f.dir, EquipmentKind::Ccd).empty());
     ASSERT_EQ(ui.shown.size(), 1u);
     EXPECT_EQ(ui.shown[0].Text(), "File not found\nOccurred in : frmEditEquipment.sstab1_Click");
-    EXPECT_NE(FileText(f.dir.File("errorlog.txt")).find("frmEditEquipment.sstab1_Click"),
+    EXPECT_NE(ReadText(f.dir.File("errorlog.txt")).find("frmEditEquipment.sstab1_Click"),
               std::string::npos);
 
     // A folder that is not there cannot be written; each rewrite reports at its own name.
     const data::ProgramDir gone{f.dir.File("gone")};
     const std::vector<std::string> rows{"x"};
-    EXPECT_FALSE(logbook::UpdateScope(ui, gone, rows));
-    EXPECT_FALSE(logbook::UpdateEye(ui, gone, rows));
-    EXPECT_FALSE(logbook::UpdateCCD(ui, gone, rows));
-    EXPECT_FALSE(logbook::UpdateExp(ui, gone, rows));
+    const std::pair<const char*, decltype(&logbook::UpdateScope)> updates[] = {
+        {"UpdateScope", logbook::UpdateScope},
+        {"UpdateEye", logbook::UpdateEye},
+        {"UpdateCCD", logbook::UpdateCCD},
+        {"UpdateExp", logbook::UpdateExp}};
+    for (const auto& [routine, update] : updates) {
+        EXPECT_FALSE(update(ui, gone, rows));
+        EXPECT_EQ(ui.shown.back().Text(),
+                  std::string("Path not found\nOccurred in : frmEditEquipment.") + routine);
+    }
     ASSERT_EQ(ui.shown.size(), 5u);
-    const char* routines[] = {"UpdateScope", "UpdateEye", "UpdateCCD", "UpdateExp"};
-    for (size_t i = 0; i < 4; ++i)
-        EXPECT_EQ(ui.shown[i + 1].Text(),
-                  std::string("Path not found\nOccurred in : frmEditEquipment.") + routines[i]);
 
     // A rename that fails (a folder stands under the file's name) leaves no temporary file.
     fs::create_directory(f.dir.File("eyepiece.dat"));

@@ -7,6 +7,7 @@
 #include "logbook/JetImport.h"
 #include "services/Fault.h"
 #include "services/RtfReader.h"
+#include "tests/TestFiles.h"
 
 #include <QFile>
 #include <QStandardPaths>
@@ -36,13 +37,7 @@ namespace fs = std::filesystem;
 const std::string SampleDir = OLDLOG_DIR;
 const std::string SampleFile = SampleDir + "/oldlog-sample.mdb";
 
-std::string ReadText(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream s;
-    s << in.rdbuf();
-    return s.str();
-}
+using test_files::ReadText;
 
 // The tables as captured from the sample with mdb-json (tables.txt lists them).
 logbook::JetTables CapturedSample()
@@ -264,18 +259,6 @@ logbook::ImportBatch RepeatedSample(int copies)
     return batch;
 }
 
-std::vector<std::string> Rows(data::Database& db, const std::string& sql)
-{
-    std::vector<std::string> rows;
-    for (auto rs = db.OpenRecordset(sql, data::Snapshot); !rs.Eof(); rs.MoveNext()) {
-        std::string row;
-        for (int i = 0; i < rs.FieldCount(); ++i)
-            row += (i ? "|" : "") + (rs.Fields(i).IsNull() ? "<null>" : rs.Fields(i).Value());
-        rows.push_back(row);
-    }
-    return rows;
-}
-
 // Every row of every table of the logbook (SQLite's counters left out), after the integrity
 // check; the program's opening rolls a killed writer's log back.
 std::multiset<std::string> Dump(const std::string& path)
@@ -283,14 +266,8 @@ std::multiset<std::string> Dump(const std::string& path)
     data::OpenOptions options;
     options.wal = true;
     auto db = data::Database::Open(path, options);
-    EXPECT_EQ((std::vector<std::string>{"ok"}), Rows(*db, "PRAGMA integrity_check"));
-    std::multiset<std::string> rows;
-    for (const std::string& table :
-         Rows(*db, "Select name From sqlite_master Where type = 'table' And substr(name, 1, 7) "
-                   "<> 'sqlite_'"))
-        for (const std::string& row : Rows(*db, "Select * From [" + table + "]"))
-            rows.insert(table + ": " + row);
-    return rows;
+    EXPECT_EQ("ok", testing_data::One(*db, "PRAGMA integrity_check"));
+    return testing_data::Dump(*db);
 }
 
 // The import in a child process; its exit status, -1 when killed after killAfter.

@@ -5,9 +5,9 @@
 
 #include "logbook/LogSearch.h"
 #include "logbook/LogSpread.h"
+#include "tests/TestFiles.h"
 
-#include <fstream>
-#include <sstream>
+#include <tuple>
 
 using logbook::LogSortBoxes;
 using logbook::LogSpread;
@@ -79,22 +79,16 @@ TEST(LogSpread, StatementsCharacterForCharacter)
     EXPECT_EQ(images, logbook::ImageListSql("Show All Types"));
     EXPECT_EQ(images + "Where Logtype = 'It''s'", logbook::ImageListSql("It's"));
 
-    // The design text of the box becomes "Show All Types" before the query is made.
+    // The design text of the box becomes "Show All Types" before the query is made. An empty
+    // logbook shows no rows and zero objects.
     LogSession s;
+    data::RebuildLink(*s.logbook, s.prefs.cdDrive, s.prefs.UseCd);
     LogSpread view(s.context);
     EXPECT_EQ("Combo1", view.cboLogTypeFilter);
     view.Init();
     EXPECT_EQ("Show All Types", view.cboLogTypeFilter);
     EXPECT_EQ(join, view.sql);
     EXPECT_EQ((Strings{"Show All Types", "Default", "Galaxies"}), view.logTypeItems);
-}
-
-TEST(LogSpread, EmptyLogbookShowsNoRowsAndZeroObjects)
-{
-    LogSession s;
-    data::RebuildLink(*s.logbook, s.prefs.cdDrive, s.prefs.UseCd);
-    LogSpread view(s.context);
-    view.Init();
     ASSERT_TRUE(view.LoadTheGrid());
     EXPECT_TRUE(view.grdObjectLog.empty());
     EXPECT_TRUE(view.ListView2.empty());
@@ -251,10 +245,7 @@ TEST(LogSpread, ColumnWidthsRoundTripThroughTheFile)
         view.widths[col] = static_cast<double>(col) + 0.5;
     view.widths[5] = 0; // a hidden column stays hidden
     view.SaveTheColumns();
-    std::ifstream in(s.f.dir.File("dbCol2.dat"), std::ios::binary);
-    std::stringstream read;
-    read << in.rdbuf();
-    const std::string text = read.str();
+    const std::string text = test_files::ReadText(s.f.dir.File("dbCol2.dat"));
     EXPECT_EQ("\"0.5\",\"1.5\",\"2.5\",\"3.5\",\"4.5\"\r\n", text.substr(0, 31));
     EXPECT_EQ(6, std::count(text.begin(), text.end(), '\n')); // 28 widths, 5 a line
 
@@ -263,11 +254,11 @@ TEST(LogSpread, ColumnWidthsRoundTripThroughTheFile)
         s.prefs.autosizespread = wider;
         LogSpread next(s.context);
         next.SetDBColumns();
-        EXPECT_EQ(defaults[0], next.widths[0]); // the row headers are not set
-        EXPECT_EQ(wider ? 2.5 : 1.5, next.widths[1]);
-        EXPECT_EQ(0, next.widths[5]);
-        EXPECT_EQ(wider ? 28.5 : 27.5, next.widths[27]);
-        EXPECT_EQ(defaults[28], next.widths[28]); // column 28 is not stored
+        // The row headers are not set, and column 28 is not stored.
+        EXPECT_EQ(
+            std::tuple(next.widths[0], next.widths[1], next.widths[5], next.widths[27],
+                       next.widths[28]),
+            std::tuple(defaults[0], wider ? 2.5 : 1.5, 0.0, wider ? 28.5 : 27.5, defaults[28]));
     }
 }
 

@@ -76,6 +76,15 @@ struct LogSession
     std::string Log(const std::string& sql) { return Value(*logbook, sql); }
     std::string Obj(const std::string& sql) { return Value(*objectDb, sql); }
     long Count(const std::string& table) { return testing_data::CountRows(*logbook, table); }
+    // The row counts of the logbook's tables, as "Logbook 1, CCDLog 0".
+    std::string Counts(std::initializer_list<const char*> tables)
+    {
+        std::string out;
+        for (const char* table : tables)
+            out +=
+                (out.empty() ? "" : ", ") + std::string(table) + " " + std::to_string(Count(table));
+        return out;
+    }
 
     // "title|text|kind" of each message shown, then cleared.
     std::vector<std::string> TakeShown()

@@ -2,14 +2,15 @@
 
 #include "logbook/OalExchange.h"
 #include "services/Fault.h"
+#include "tests/TestFiles.h"
 
-#include <QFile>
 #include <QProcess>
 
 #include <fstream>
 
 using logtest::LogSession;
 using Strings = std::vector<std::string>;
+using testing_data::Rows;
 
 namespace {
 
@@ -25,31 +26,8 @@ std::string SchemaErrors(const std::filesystem::path& file)
     return lint.exitCode() == 0 ? std::string() : lint.readAllStandardError().toStdString();
 }
 
-std::string ReadText(const std::filesystem::path& file)
-{
-    QFile in(QString::fromStdString(file.string()));
-    EXPECT_TRUE(in.open(QIODevice::ReadOnly));
-    return in.readAll().toStdString();
-}
-
-void WriteText(const std::filesystem::path& file, const std::string& text)
-{
-    std::ofstream(file, std::ios::binary) << text;
-}
-
-// The rows of a query, their columns each followed by "|", nulls as "<null>".
-Strings Dump(data::Database& db, const std::string& sql)
-{
-    Strings rows;
-    auto rs = db.OpenRecordset(sql, data::Snapshot);
-    for (; !rs.Eof(); rs.MoveNext()) {
-        std::string line;
-        for (int i = 0; i < rs.FieldCount(); ++i)
-            line += (rs.Fields(i).IsNull() ? "<null>" : rs.Fields(i).Value()) + "|";
-        rows.push_back(line);
-    }
-    return rows;
-}
+using test_files::ReadText;
+using test_files::WriteText;
 
 // A logbook of varied entries: odd texts, a CCD row, images, seen and not seen, every seeing.
 void FillLogbook(LogSession& s)
@@ -158,7 +136,7 @@ TEST(OalExport, RoundTripGivesTheSameRows)
     for (const char* sql : {"Select * From Logbook Order By ObservationNumber",
                             "Select * From CCDLog Order By ObservationNumber",
                             "Select * From ImageLog Order By Sequence"})
-        EXPECT_EQ(Dump(*from.logbook, sql), Dump(*to.logbook, sql)) << sql;
+        EXPECT_EQ(Rows(*from.logbook, sql), Rows(*to.logbook, sql)) << sql;
     EXPECT_EQ("-1", to.Obj("Select Observed From SelvaneTable Where ID = 1"));
     EXPECT_TRUE(to.TakeShown().empty());
 }
@@ -222,18 +200,18 @@ second line</description><rating>3</rating></result>
                 // (UTC-7); with a scope every accessory is other equipment.
                 "1|NGC 224|2000|2026-03-01|21:30:00|Dark Site|Dob 12|Telrad\r\nUHC filter\r\n|"
                 "Somewhat Stable|<null>|<null>|A long first line of notes that runs well past "
-                "fif|",
+                "fif",
                 // By alias as ObjectID; no site: the settings' zone (6 hours west).
                 "2|NGC 1976|2000|2026-03-02|16:15:00|<null>|Binoculars|Chair\r\n|<null>|<null>|"
-                "<null>|faint|",
+                "<null>|faint",
                 // Not in the datasource's catalogue: the name upper-cased, no catalogue id.
                 "3|BARNARD'S LOOP||2026-03-03|01:00:00|Dark Site|<null>|<null>|<null>|<null>|"
-                "<null>|<null>|",
+                "<null>|<null>",
                 // A time without an offset stays as written.
                 "4|NGC 9999|2000|2026-03-04|20:00:00|<null>|<null>|<null>|<null>|<null>|<null>|"
-                "x|",
+                "x",
             }),
-            Dump(*s.logbook, "Select ObservationNumber, ObjectID, Catalog, DateObserved, "
+            Rows(*s.logbook, "Select ObservationNumber, ObjectID, Catalog, DateObserved, "
                              "TimeObserved, LocationObserved, EquipmentUsed, OtherEquipment, "
                              "Seeing, Transparency, Rating, ShortDescription From Logbook "
                              "Order By ObservationNumber"));

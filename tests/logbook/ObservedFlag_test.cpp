@@ -112,9 +112,7 @@ TEST(LogbookNumbering, AnEarlierLogbookCountsOnFromItsHighestNumber)
     data::OpenTheDatabase(f.dir, logbook, logbookPath);
     EXPECT_EQ(2, testing_data::CountRows(*logbook, "Logbook"));
     logbook->Execute("Insert Into Logbook (ObjectID) Values ('NGC 1976')");
-    auto rs = logbook->OpenRecordset("Select max(ObservationNumber) From Logbook", data::Snapshot);
-    EXPECT_EQ(6, rs.Fields(0).Long());
-    rs.Close();
+    EXPECT_EQ("6", testing_data::One(*logbook, "Select max(ObservationNumber) From Logbook"));
     // Opening again changes nothing more.
     data::OpenTheDatabase(f.dir, logbook, logbookPath);
     EXPECT_EQ(3, testing_data::CountRows(*logbook, "Logbook"));

@@ -3,28 +3,21 @@
 #include "services/ScriptedUiPort.h"
 #include "services/UiPort.h"
 #include "services/Vb.h"
+#include "tests/TestFiles.h"
 
 #include <QDate>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <regex>
-#include <sstream>
 #include <stdexcept>
 
 namespace {
 
 using services::ScriptedUiPort;
 
-std::string ReadFile(const std::filesystem::path& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    std::stringstream buffer;
-    buffer << in.rdbuf();
-    return buffer.str();
-}
+using test_files::ReadText;
 
 // A scripted port writing its error log into a fresh temporary program folder.
 struct LoggedPort
@@ -81,10 +74,8 @@ TEST(ShowMessage, TitleByKind)
         ui.ShowMessage("Body text", "Heading", row.kind, true);
         ASSERT_EQ(ui.shown.size(), 1u);
         const services::Message& m = ui.shown[0].message;
-        EXPECT_EQ(m.Title, row.title);
-        EXPECT_EQ(m.kind, row.kind);
-        EXPECT_EQ(m.ShortMessage, "Heading");
-        EXPECT_EQ(m.LongMessage, "Body text");
+        EXPECT_EQ(m.Title + "|" + m.kind + "|" + m.ShortMessage + "|" + m.LongMessage,
+                  std::string(row.title) + "|" + row.kind + "|Heading|Body text");
         EXPECT_TRUE(m.PauseWindow);
     }
 }
@@ -109,11 +100,10 @@ TEST(ReportFault, MessageAndLogEntry)
         port.ui.ReportFault(row.message, row.location);
         ASSERT_EQ(port.ui.shown.size(), 1u);
         const services::Message& m = port.ui.shown[0].message;
-        EXPECT_EQ(m.Title, "System Error");
-        EXPECT_EQ(m.kind, "E");
-        EXPECT_EQ(m.ShortMessage, "The Following Error Has Occurred");
-        EXPECT_EQ(m.LongMessage, row.longMessage);
-        ExpectEntries(ReadFile(port.log), {{row.message, row.location}});
+        EXPECT_EQ(m.Title + "|" + m.kind + "|" + m.ShortMessage + "|" + m.LongMessage,
+                  std::string("System Error|E|The Following Error Has Occurred|") +
+                      row.longMessage);
+        ExpectEntries(ReadText(port.log), {{row.message, row.location}});
     }
 }
 
@@ -126,7 +116,7 @@ TEST(ReportFault, EntryStampIsTodayAndEntriesAppend)
     const QDate after = QDate::currentDate();
     // LogFault writes without a window.
     EXPECT_EQ(port.ui.shown.size(), 1u);
-    const std::string log = ReadFile(port.log);
+    const std::string log = ReadText(port.log);
     ExpectEntries(log, {{"first", "A.B"}, {"second", ""}});
     const std::string stamp = log.substr(0, 8);
     EXPECT_TRUE(stamp == services::vb::ShortDate(before) || stamp == services::vb::ShortDate(after))
@@ -191,7 +181,7 @@ TEST(Trap, ReportsUnderTheRightLocation)
         ASSERT_EQ(port.ui.shown.size(), 1u);
         EXPECT_EQ(port.ui.shown[0].message.LongMessage,
                   std::string(row.message) + "\nOccurred in : " + row.location);
-        ExpectEntries(ReadFile(port.log), {{row.message, row.location}});
+        ExpectEntries(ReadText(port.log), {{row.message, row.location}});
     }
 }
 
@@ -211,7 +201,7 @@ TEST(TrapSilently, LogsWithoutWindow)
     EXPECT_FALSE(services::TrapSilently(port.ui, "TelescopeStuff.Connect",
                                         [] { throw std::runtime_error("Not connected"); }));
     EXPECT_TRUE(port.ui.shown.empty());
-    ExpectEntries(ReadFile(port.log), {{"Not connected", "TelescopeStuff.Connect"}});
+    ExpectEntries(ReadText(port.log), {{"Not connected", "TelescopeStuff.Connect"}});
 }
 
 TEST(EndProcess, CallsTheReplacedHandler)

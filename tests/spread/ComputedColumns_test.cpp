@@ -83,13 +83,13 @@ TEST(ComputeColumns, SwitchesSkipTheirRoutines)
         ComputedColumns computed;
         ComputeColumns(all, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
         // The pages come from the stored position, before precession.
-        EXPECT_EQ(computed.skyAtlas.View(), "17");
-        EXPECT_EQ(computed.uranometria.View(), "215");
-        EXPECT_EQ(computed.millennium.View(), "270 Vol I");
+        EXPECT_EQ(std::string(computed.skyAtlas.View()) + "|" +
+                      std::string(computed.uranometria.View()) + "|" +
+                      std::string(computed.millennium.View()),
+                  "17|215|270 Vol I");
         EXPECT_TRUE(computed.precessed);
         EXPECT_GT(position.raMinutes + position.raSeconds, 0); // moved by 50 years
-        EXPECT_FALSE(computed.transit.Empty());
-        EXPECT_FALSE(computed.rise.Empty());
+        EXPECT_FALSE(computed.transit.Empty() || computed.rise.Empty());
         EXPECT_NE(computed.azm, 0);
     }
     {
@@ -97,9 +97,7 @@ TEST(ComputeColumns, SwitchesSkipTheirRoutines)
         Position position = stored;
         ComputedColumns computed;
         ComputeColumns(turbo, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
-        EXPECT_TRUE(computed.skyAtlas.Empty());
-        EXPECT_TRUE(computed.transit.Empty());
-        EXPECT_TRUE(computed.rise.Empty());
+        EXPECT_TRUE(computed.skyAtlas.Empty() && computed.transit.Empty() && computed.rise.Empty());
         EXPECT_FALSE(computed.precessed);
         EXPECT_EQ(computed.alt, 0);
         EXPECT_EQ(position.raSeconds, 0);
@@ -110,8 +108,7 @@ TEST(ComputeColumns, SwitchesSkipTheirRoutines)
         ComputedColumns computed;
         ComputeColumns(masked, Site(40), astro::FixedClock{}, 2000, position, computed, faults);
         EXPECT_FALSE(computed.precessed);
-        EXPECT_EQ(position.raMinutes, 0);
-        EXPECT_EQ(position.raSeconds, 0);
+        EXPECT_EQ(position.raMinutes + position.raSeconds, 0);
     }
     EXPECT_TRUE(faults.faults.empty());
 }
@@ -137,9 +134,7 @@ TEST(ComputeColumns, AFaultedRowLeavesItsLaterColumnsEmpty)
                                            computed, faults));
             ASSERT_FALSE(faults.faults.empty());
             EXPECT_EQ(faults.faults[0], "Module1.CalcHourAngle: Type mismatch");
-            EXPECT_TRUE(computed.cutShort);
-            EXPECT_TRUE(computed.rise.Empty());
-            EXPECT_TRUE(computed.set.Empty());
+            EXPECT_TRUE(computed.cutShort && computed.rise.Empty() && computed.set.Empty());
             EXPECT_FALSE(computed.skyAtlas.Empty()); // the pages come from the stored position
             std::string row;
             WriteGridRow({}, false, position, computed, all, row);

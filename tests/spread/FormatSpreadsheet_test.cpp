@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 using namespace spread;
@@ -106,14 +107,12 @@ TEST(FormatSpreadsheet, CellTypesAndAutosize)
     FormatOptions options;
     options.autosizespread = true;
     FormatSpreadsheet(grid, 0, false, options);
-    EXPECT_EQ(grid.ColCellType(10), CellType::Float);
-    EXPECT_EQ(grid.ColCellType(23), CellType::Float);
-    EXPECT_EQ(grid.ColCellType(20), CellType::StaticText);
-    EXPECT_EQ(grid.ColCellType(21), CellType::StaticText);
-    EXPECT_EQ(grid.ColCellType(12), CellType::StaticText);
-    EXPECT_EQ(grid.TypeHAlign(4), HAlign::Left);
-    EXPECT_EQ(grid.TypeHAlign(7), HAlign::Center);
-    EXPECT_EQ(grid.TypeHAlign(10), HAlign::Right);
+    for (int col : {10, 23})
+        EXPECT_EQ(grid.ColCellType(col), CellType::Float) << col;
+    for (int col : {20, 21, 12})
+        EXPECT_EQ(grid.ColCellType(col), CellType::StaticText) << col;
+    EXPECT_EQ(std::tuple(grid.TypeHAlign(4), grid.TypeHAlign(7), grid.TypeHAlign(10)),
+              std::tuple(HAlign::Left, HAlign::Center, HAlign::Right));
     EXPECT_EQ(grid.ColWidth(6), 0);
     EXPECT_EQ(grid.ColWidth(10), 7.0);  // "+10.00" and one more
     EXPECT_EQ(grid.ColWidth(4), 9.0);   // the header "ObjectID"

@@ -23,6 +23,15 @@ std::vector<std::string> Cells(const std::string& row)
     return cells;
 }
 
+// The given cells of a row, joined by "|".
+std::string Pick(const std::vector<std::string>& cells, std::initializer_list<std::size_t> cols)
+{
+    std::string out;
+    for (std::size_t col : cols)
+        out += (out.empty() ? "" : "|") + cells.at(col);
+    return out;
+}
+
 ObjectRecord M31()
 {
     ObjectRecord r;
@@ -127,8 +136,7 @@ TEST(WriteGridRow, LongTextsAndReusedRows)
         std::replace(description.begin(), description.end(), ';', ' ');
         EXPECT_EQ(cells[5], other);
         EXPECT_EQ(cells[31], description);
-        EXPECT_EQ(cells[8], "+41 16 00.0");
-        EXPECT_EQ(cells[27], "4711");
+        EXPECT_EQ(Pick(cells, {8, 27}), "+41 16 00.0|4711");
     }
 }
 
@@ -171,10 +179,8 @@ TEST(WriteGridRow, PositionAndNumberTexts)
         r.DeclinationDegrees = NumberField::Of(c.decD);
         r.DeclinationMinutes = NumberField::Of(c.decM);
         const std::vector<std::string> cells = Write(r, Computed(c.alt, 0), RowOptions{});
-        EXPECT_EQ(cells[7], c.ra);
-        EXPECT_EQ(cells[8], c.dec);
+        EXPECT_EQ(Pick(cells, {7, 8, 10}), std::string(c.ra) + "|" + c.dec + "|" + c.altText);
         EXPECT_EQ(cells[8].size(), 11u);
-        EXPECT_EQ(cells[10], c.altText);
     }
 }
 
@@ -187,14 +193,7 @@ TEST(WriteGridRow, NullFieldsGiveBlankCellsAndNoPositionGivesNa)
     r.EPOCH = {};
     r.ImageFile = " ";
     const std::vector<std::string> cells = Write(r, ComputedColumns{}, RowOptions{});
-    EXPECT_EQ(cells[2], " ");
-    EXPECT_EQ(cells[7], "n/a");
-    EXPECT_EQ(cells[8], "n/a");
-    EXPECT_EQ(cells[9], "");
-    EXPECT_EQ(cells[10], "00.00");
-    EXPECT_EQ(cells[11], "0.00");
-    EXPECT_EQ(cells[16], "");
-    EXPECT_EQ(cells[18], "");
+    EXPECT_EQ(Pick(cells, {2, 7, 8, 9, 10, 11, 16, 18}), " |n/a|n/a||00.00|0.00||");
 }
 
 TEST(WriteGridRow, EpochColumn)
@@ -289,9 +288,8 @@ TEST(SetPrecessionDate, BlankAndMasksLeavePrecessionOff)
         RowOptions options;
         SetPrecessionDate(options, c.text, services::vb::Regional{});
         EXPECT_EQ(options.precess, c.precess);
-        EXPECT_EQ(options.ppreYear, c.year);
-        EXPECT_EQ(options.ppreMonth, c.month);
-        EXPECT_EQ(options.ppreDay, c.day);
+        EXPECT_EQ(options.ppreYear + "/" + options.ppreMonth + "/" + options.ppreDay,
+                  std::string(c.year) + "/" + c.month + "/" + c.day);
     }
 }
 

@@ -217,8 +217,7 @@ TEST(Grid, MaxTextColWidthCountsCharactersAndHeader)
     grid.AppendRow(Row({{31, "ab"}, {15, "Ori"}}));
     EXPECT_EQ(grid.MaxTextColWidth(31), 4.0);
     grid.AppendRow(Row({{31, "Nébuleuse"}}));
-    EXPECT_EQ(grid.MaxTextColWidth(31), 9.0);
-    EXPECT_EQ(grid.MaxTextColWidth(15), 3.0);
+    EXPECT_EQ(std::pair(grid.MaxTextColWidth(31), grid.MaxTextColWidth(15)), std::pair(9.0, 3.0));
 }
 
 // The all-columns pass reads rows eight bytes at a time, with a fast path for plain ASCII; it

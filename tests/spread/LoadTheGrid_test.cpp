@@ -13,6 +13,7 @@
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
 #include "spread/FormatSpreadsheet.h"
+#include "tests/TestFiles.h"
 
 using namespace spread;
 
@@ -74,11 +75,11 @@ protected:
         return ids;
     }
 
-    std::vector<std::string> RowTexts() const
+    static std::vector<std::string> RowTexts(const Grid& g)
     {
         std::vector<std::string> texts;
-        for (int row = 1; row <= grid.MaxRows(); ++row)
-            texts.emplace_back(grid.RowText(row));
+        for (int row = 1; row <= g.MaxRows(); ++row)
+            texts.emplace_back(g.RowText(row));
         return texts;
     }
 
@@ -115,8 +116,7 @@ TEST_F(LoadFixture, RowretCountsRowsAfterTheFilters)
     TMM.prefs.rowret = 5;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     EXPECT_EQ(Ids(), (std::vector<std::string>{"N2", "N4", "N6", "N8", "N10"}));
-    EXPECT_EQ(TMM.status.selected, "Selected 20 objects");
-    EXPECT_EQ(TMM.status.lblNOM, "5 Objects");
+    EXPECT_EQ(TMM.status.selected + "|" + TMM.status.lblNOM, "Selected 20 objects|5 Objects");
     EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
     EXPECT_FALSE(TMM.QueryRunning);
     for (const auto& s : ui.shown)
@@ -140,7 +140,7 @@ TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
     load.blockSize = 1;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
     ASSERT_EQ(grid.MaxRows(), 150);
-    const std::vector<std::string> reference = RowTexts();
+    const std::vector<std::string> reference = RowTexts(grid);
 
     struct Case
     {
@@ -166,8 +166,8 @@ TEST_F(LoadFixture, BlocksStopWhereAOneByOneLoadStops)
         load.blockSize = 100;
         grid = Grid();
         LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-        EXPECT_EQ(RowTexts(), std::vector<std::string>(reference.begin(),
-                                                       reference.begin() + c.rows));
+        EXPECT_EQ(RowTexts(grid),
+                  std::vector<std::string>(reference.begin(), reference.begin() + c.rows));
         EXPECT_EQ(ui.progressPos, c.progress);
         EXPECT_EQ(load.cancelled, c.cancelAfterPumps > 0);
         EXPECT_EQ(TMM.status.lblNOM, std::to_string(c.rows) + " Objects");
@@ -314,8 +314,7 @@ TEST_F(LoadFixture, FatalFaultOnSeveralThreadsIsReportedOnce)
     TMM.QueryRunning = false;
     ASSERT_EQ(ui.shown.size(), 1u);
     EXPECT_NE(ui.shown[0].Text().find("Variable W = "), std::string::npos) << ui.shown[0].Text();
-    std::ifstream in(log);
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    const std::string text = test_files::ReadText(log);
     EXPECT_NE(text.find("Module1.CalcASN"), std::string::npos);
     EXPECT_EQ(text.find("Module1.CalcASN"), text.rfind("Module1.CalcASN")) << text;
 }
@@ -381,16 +380,6 @@ TEST_F(LoadFixture, GcvsHeadersOnlyWhenEveryRowIsGcvs)
     }
 }
 
-TEST_F(LoadFixture, OneQueryAtATime)
-{
-    Insert(Alternating(2));
-    TMM.QueryRunning = true;
-    grid.AppendRow("kept");
-    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-    EXPECT_EQ(ShownTitles(), std::vector<std::string>{OneQueryTitle});
-    EXPECT_EQ(grid.Text(1, 1), "kept");
-}
-
 // The observing date is kept in the regional short form: the same night typed under two
 // regional settings gives the same rows.
 TEST_F(LoadFixture, ObservingDateReadByTheRegionalRule)
@@ -399,9 +388,7 @@ TEST_F(LoadFixture, ObservingDateReadByTheRegionalRule)
     TMM.prefs.Prise = "Y";
     TMM.prefs.optimum = true;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-    std::vector<std::string> monthFirst;
-    for (int row = 1; row <= grid.MaxRows(); ++row)
-        monthFirst.emplace_back(grid.RowText(row));
+    const std::vector<std::string> monthFirst = RowTexts(grid);
 
     struct Case
     {
@@ -421,9 +408,7 @@ TEST_F(LoadFixture, ObservingDateReadByTheRegionalRule)
         TMM.prefs.PDate = c.PDate;
         Grid other;
         LoadTheGrid(TMM, other, LoadMode::NoBuild, load, clock);
-        ASSERT_EQ(other.MaxRows(), static_cast<int>(monthFirst.size()));
-        for (int row = 1; row <= other.MaxRows(); ++row)
-            EXPECT_EQ(other.RowText(row), monthFirst[static_cast<std::size_t>(row - 1)]) << row;
+        EXPECT_EQ(RowTexts(other), monthFirst);
     }
     EXPECT_TRUE(ui.shown.empty());
 }
@@ -445,8 +430,7 @@ TEST_F(LoadFixture, BuildTakesTheFilterSettings)
     EXPECT_EQ(Ids(), (std::vector<std::string>{"M 31", "NGC 7000"}));
     EXPECT_NE(TMM.SQL.find("WHERE"), std::string::npos);
     EXPECT_EQ(TMM.lastLoadSql, TMM.SQL);
-    EXPECT_FALSE(TMM.OrderBy.empty());
-    EXPECT_FALSE(load.failed);
+    EXPECT_FALSE(TMM.OrderBy.empty() || load.failed);
 }
 
 TEST_F(LoadFixture, StateChoosesTheDatabaseTabAndFilters)
@@ -473,13 +457,17 @@ TEST_F(LoadFixture, StateChoosesTheDatabaseTabAndFilters)
     EXPECT_NE(ui.shown[0].Text().find(LoadLocation), std::string::npos);
     TMM.UseLogDatabase = false;
 
-    // An image tab holds no grid: nothing happens.
+    // An image tab holds no grid: nothing happens. One query runs at a time.
     ui.shown.clear();
     grid.AppendRow("kept");
     TMM.CurrTab = 5;
     LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
-    EXPECT_EQ(grid.Text(1, 1), "kept");
     EXPECT_TRUE(ui.shown.empty());
+    TMM.CurrTab = 0;
+    TMM.QueryRunning = true;
+    LoadTheGrid(TMM, grid, LoadMode::NoBuild, load, clock);
+    EXPECT_EQ(ShownTitles(), std::vector<std::string>{OneQueryTitle});
+    EXPECT_EQ(grid.Text(1, 1), "kept");
 }
 
 TEST(ParseLoadMode, EverySpellingInUse)

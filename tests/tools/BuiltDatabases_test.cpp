@@ -17,6 +17,7 @@
 namespace {
 
 const std::string Resources = SELVANE_BUILT_RESOURCES;
+using Table = std::vector<std::vector<std::string>>;
 
 class Db
 {
@@ -96,10 +97,9 @@ TEST(BuiltObjectDatabase, HerschelObjects)
                             "HOBJECT <> ''"),
                   400);
         EXPECT_EQ(db.Number("Select count(*) From SelvaneTable Where HOBJECT <> ''"), 400);
-        const auto ngc40 = db.Rows("Select HObject From SelvaneTable Where ObjectID = 'NGC 40' "
-                                   "and Catalog = '2000'");
-        ASSERT_EQ(ngc40.size(), 1u);
-        EXPECT_EQ(ngc40[0][0], "H IV-58");
+        EXPECT_EQ(db.Rows("Select HObject From SelvaneTable Where ObjectID = 'NGC 40' and "
+                          "Catalog = '2000'"),
+                  (Table{{"H IV-58"}}));
     }
 }
 
@@ -218,11 +218,9 @@ TEST(BuiltObjectDatabase, FullEditionHoldsTheFurtherCatalogues)
     const Db small("SelvPro13000.mdb");
     EXPECT_EQ(db.Rows("Select ID, ObjectID From SelvaneTable Where ID in (1, 5000, 13960)"),
               small.Rows("Select ID, ObjectID From SelvaneTable Where ID in (1, 5000, 13960)"));
-    const auto caldwell = db.Rows("Select OtherID, constellation From SelvaneTable Where "
-                                  "Catalog = 'CALDWELL' and ObjectID = 'C 65'");
-    ASSERT_EQ(caldwell.size(), 1u);
-    EXPECT_EQ(caldwell[0][0], "NGC 253");
-    EXPECT_EQ(caldwell[0][1], "Scl");
+    EXPECT_EQ(db.Rows("Select OtherID, constellation From SelvaneTable Where Catalog = "
+                      "'CALDWELL' and ObjectID = 'C 65'"),
+              (Table{{"NGC 253", "Scl"}}));
     const auto mira = db.Rows("Select OtherID, Magnitude, Magnitude2, GalacticLatitude From "
                               "SelvaneTable Where Catalog = 'GCVS' and ObjectID = 'ο Cet'");
     ASSERT_EQ(mira.size(), 1u);
@@ -234,12 +232,10 @@ TEST(BuiltLogbookTemplate, ShippedTables)
 {
     const Db db("Logbook2003-1.mdb");
     EXPECT_EQ(db.Number("Select count(*) From xref"), 400);
-    EXPECT_EQ(db.Rows("Select Her From xref Where NGC = 'NGC 7662'"),
-              (std::vector<std::vector<std::string>>{{"H IV-18"}}));
+    EXPECT_EQ(db.Rows("Select Her From xref Where NGC = 'NGC 7662'"), (Table{{"H IV-18"}}));
     EXPECT_EQ(db.Rows("Select BConst From BConst Where Const = 'Ori' Order By BConst"),
-              (std::vector<std::vector<std::string>>{{"Eri"}, {"Gem"}, {"Lep"}, {"Mon"}, {"Tau"}}));
-    EXPECT_EQ(db.Rows("Select LogType From PerLogType"),
-              (std::vector<std::vector<std::string>>{{"Default"}}));
+              (Table{{"Eri"}, {"Gem"}, {"Lep"}, {"Mon"}, {"Tau"}}));
+    EXPECT_EQ(db.Rows("Select LogType From PerLogType"), (Table{{"Default"}}));
     EXPECT_EQ(db.Number("Select count(*) From Logbook"), 0);
     EXPECT_EQ(db.Number("Select count(*) From ValidObjectTypes"), 25);
     // citydb: Phoenix, Arizona at 33° 27' 11" N, 112° 04' 26" W, 7 h west of Greenwich.
@@ -271,9 +267,8 @@ TEST(BuiltAstComet, ElementsOfKnownBodies)
     EXPECT_EQ(biela[0][4], "4.0");
     const auto ceres = db.Rows("Select Anumb, a, eyear From Asteroids Where Name = 'Ceres'");
     ASSERT_EQ(ceres.size(), 1u);
-    EXPECT_EQ(ceres[0][0], "1.0");
+    EXPECT_EQ(ceres[0][0] + "|" + ceres[0][2], "1.0|2022.0");
     EXPECT_NEAR(std::stod(ceres[0][1]), 2.767, 1e-3);
-    EXPECT_EQ(ceres[0][2], "2022.0");
 }
 
 TEST(ShippedPlans, OldFormatEntriesThatTheIdRepairFinds)
@@ -307,7 +302,7 @@ TEST(ShippedPlans, OldFormatEntriesThatTheIdRepairFinds)
                 // Not found again: the stored id must be today's row of that object.
                 EXPECT_EQ(
                     full.Rows("Select ObjectID, Catalog From SelvaneTable Where ID = " + f[2]),
-                    (std::vector<std::vector<std::string>>{{f[0], f[1]}}))
+                    (Table{{f[0], f[1]}}))
                     << line;
             }
         }
@@ -324,9 +319,9 @@ TEST(ShippedHref, NgcNumberThenDesignationByColumn)
         if (!l.empty())
             records.push_back(l);
     ASSERT_EQ(records.size(), 400u);
-    EXPECT_EQ(records.front().substr(0, 4), "  40");
-    EXPECT_EQ(records.front().substr(7), "H IV-58");
-    EXPECT_EQ(records.back().substr(0, 4), "7814");
+    EXPECT_EQ(records.front().substr(0, 4) + "|" + records.front().substr(7) + "|" +
+                  records.back().substr(0, 4),
+              "  40|H IV-58|7814");
 }
 
 } // namespace

@@ -1,6 +1,7 @@
 #include "tools/Sources.h"
 
 #include "services/Fault.h"
+#include "tests/TestFiles.h"
 
 #include <QTemporaryDir>
 
@@ -9,13 +10,14 @@
 #include <cstdint>
 #include <cstring>
 #include <fstream>
+#include <tuple>
 
 namespace {
 
 std::string WriteFile(const QTemporaryDir& dir, const std::string& name, const std::string& text)
 {
     const std::string path = dir.filePath(QString::fromStdString(name)).toStdString();
-    std::ofstream(path, std::ios::binary) << text;
+    test_files::WriteText(path, text);
     return path;
 }
 
@@ -104,9 +106,8 @@ TEST(ReadVariableStars, AmplitudeFlagGivesTheMinimum)
                                 "9\tY Psc\tL\t8.0\t0\t\t\tV\t\t\t\t\n");
     const auto stars = tools::ReadVariableStars(path);
     ASSERT_EQ(stars.size(), 3u);
-    EXPECT_EQ(stars[0].name, "R And");
-    EXPECT_DOUBLE_EQ(*stars[0].minMagnitude, 15.2);
-    EXPECT_DOUBLE_EQ(*stars[0].periodDays, 409.2);
+    EXPECT_EQ(std::tie(stars[0].name, *stars[0].minMagnitude, *stars[0].periodDays),
+              std::tuple("R And", 15.2, 409.2));
     EXPECT_NEAR(*stars[1].minMagnitude, 7.55, 1e-12);
     EXPECT_FALSE(stars[1].epochOfMaximum.has_value());
     EXPECT_FALSE(stars[2].minMagnitude.has_value());
@@ -172,13 +173,10 @@ TEST(ParseDeepSkyCatalog, ReadsRecordsAndRefusesATruncatedStream)
     s.Record(7662, u"");
     const auto records = tools::ParseDeepSkyCatalog(s.bytes, "catalog.dat");
     ASSERT_EQ(records.size(), 2u);
-    EXPECT_EQ(records[0].NGC, 224u);
-    EXPECT_EQ(records[0].M, 31u);
-    EXPECT_EQ(records[0].morphology, "SA(s)b");
-    EXPECT_EQ(records[0].positionAngle, 45u);
-    EXPECT_EQ(records[0].PK, "120+09.1");
-    EXPECT_TRUE(records[0].Ced.empty());
-    EXPECT_DOUBLE_EQ(records[0].vMag, 3.4);
+    const auto& m31 = records[0];
+    EXPECT_EQ(
+        std::tie(m31.NGC, m31.M, m31.morphology, m31.positionAngle, m31.PK, m31.Ced, m31.vMag),
+        std::tuple(224u, 31u, "SA(s)b", 45u, "120+09.1", "", 3.4));
     EXPECT_EQ(records[1].NGC, 7662u);
 
     const std::string truncated = s.bytes.substr(0, s.bytes.size() - 3);
