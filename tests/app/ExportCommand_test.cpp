@@ -4,6 +4,7 @@
 #include "CliRunner.h"
 
 #include "data/Database.h"
+#include "tests/TestFiles.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -39,8 +40,7 @@ long Count(const std::string& text, const std::string& part)
 
 std::string Slurp(const QString& path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string();
+    return test_files::ReadText(path.toStdString());
 }
 
 class ExportCli : public ::testing::Test

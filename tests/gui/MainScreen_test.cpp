@@ -6,6 +6,7 @@
 #include "spread/LoadTheGrid.h"
 #include "spread/ui/BusyUiPort.h"
 #include "spread/ui/GridModel.h"
+#include "tests/TestFiles.h"
 
 #include <QAction>
 #include "GuiApp.h"
@@ -374,9 +375,8 @@ TEST(frmMainScreen, ExportKeysWriteTheCurrentTabsList)
     for (const char* key : {"exportexcel", "exporthtml", "skylist"})
         s.window->Tool(key)->trigger();
     EXPECT_GT(std::filesystem::file_size(book), 1000u);
-    std::ifstream html(page), sky(list);
-    const std::string pageText{std::istreambuf_iterator<char>(html), {}};
-    const std::string skyText{std::istreambuf_iterator<char>(sky), {}};
+    const std::string pageText = test_files::ReadText(page);
+    const std::string skyText = test_files::ReadText(list);
     EXPECT_NE(pageText.find("<td>NGC 224</td><td>M 31</td>"), std::string::npos);
     EXPECT_NE(skyText.find("CatalogNumber=NGC 224\n   CatalogNumber=M 31\n"), std::string::npos);
     EXPECT_EQ(s.LastText(), "Finished exporting file to " + list.string());

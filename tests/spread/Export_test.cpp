@@ -5,9 +5,8 @@
 #include "spread/RecordExport.h"
 
 #include "services/ScriptedUiPort.h"
+#include "tests/TestFiles.h"
 #include "tests/data/TestDatabases.h"
-
-#include <QFile>
 
 #include <gtest/gtest.h>
 
@@ -18,11 +17,7 @@ using namespace spread;
 
 namespace {
 
-std::string Slurp(const std::filesystem::path& path)
-{
-    QFile file(QString::fromStdString(path.string()));
-    return file.open(QIODevice::ReadOnly) ? file.readAll().toStdString() : std::string("<none>");
-}
+using test_files::ReadText;
 
 class ExportFixture : public ::testing::Test
 {
@@ -70,7 +65,7 @@ TEST_F(ExportFixture, LogbookAsTextAndXmlByteForByte)
     ASSERT_EQ(CSVExport(ui, sql, text, *TMM.logbookDb), 0);
     ASSERT_EQ(XMLExportLog(ui, sql, xml, *TMM.logbookDb), 0);
 
-    EXPECT_EQ(Slurp(text),
+    EXPECT_EQ(ReadText(text),
               "\"Logbook.ObservationNumber\",\"ObjectID\",\"Catalog\",\"DateObserved\","
               "\"TimeObserved\",\"LocationObserved\",\"EquipmentUsed\",\"OtherEquipment\","
               "\"Seeing\",\"Transparency\",\"Rating\",\"ShortDescription\",\"ObservationText\","
@@ -84,7 +79,7 @@ TEST_F(ExportFixture, LogbookAsTextAndXmlByteForByte)
               "\"False\",\"\",\"first|second\"\n");
     EXPECT_EQ(Count(FinishedExportingText + text.string()), 1);
 
-    const std::string doc = Slurp(xml);
+    const std::string doc = ReadText(xml);
     EXPECT_EQ(doc.rfind("<?xml version=\"1.0\"?>\n<SELVANE2003>\n<LOG>\n"
                         "<Logbook.ObservationNumber>3</Logbook.ObservationNumber>\n",
                         0),
@@ -112,11 +107,11 @@ TEST_F(ExportFixture, ObjectsAsXmlWithTheRuntimesNumbers)
                                "From SelvaneTable Where ObjectID = 'NGC 224'",
                                xml, *TMM.objectDb),
               0);
-    EXPECT_EQ(Slurp(xml), "<?xml version=\"1.0\"?>\n<SELVANE2003>\n<OBJECTS>\n"
-                          "<ObjectID><![CDATA[NGC 224]]></ObjectID>\n"
-                          "<ObjectSize>34.5333333333333</ObjectSize>\n"
-                          "<Magnitude>1.5E-05</Magnitude>\n<Observed>False</Observed>\n"
-                          "<MessierNumber>31</MessierNumber>\n</OBJECTS>\n</SELVANE2003>\n");
+    EXPECT_EQ(ReadText(xml), "<?xml version=\"1.0\"?>\n<SELVANE2003>\n<OBJECTS>\n"
+                             "<ObjectID><![CDATA[NGC 224]]></ObjectID>\n"
+                             "<ObjectSize>34.5333333333333</ObjectSize>\n"
+                             "<Magnitude>1.5E-05</Magnitude>\n<Observed>False</Observed>\n"
+                             "<MessierNumber>31</MessierNumber>\n</OBJECTS>\n</SELVANE2003>\n");
     EXPECT_TRUE(ui.shown.empty()); // the XML writers leave the report to Export
 }
 
@@ -151,7 +146,7 @@ TEST_F(ExportFixture, DialogueNamesCancelAndTheLongExportWarning)
     ui.fileAnswers.assign(1, f.dir.Text("objects"));
     EXPECT_TRUE(IDN2(TMM));
     EXPECT_EQ(Count(FinishedExportingText + f.dir.Text("objects.txt")), 2);
-    EXPECT_EQ(Slurp(f.dir.File("objects.txt")).rfind("\"ObjectID\"\n\"NGC 224\"\n", 0), 0u);
+    EXPECT_EQ(ReadText(f.dir.File("objects.txt")).rfind("\"ObjectID\"\n\"NGC 224\"\n", 0), 0u);
 
     ui.shown.clear();
     EXPECT_TRUE(Export(TMM, "", ""));
