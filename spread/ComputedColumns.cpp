@@ -130,7 +130,7 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
     astro::Hms ra{position.raHours, position.raMinutes, position.raSeconds};
     astro::Dms dec{position.decDegrees, position.decMinutes, position.decSeconds};
     if (options.precess) {
-        const astro::Equatorial precessed =
+        const astro::PrecessedPosition precessed =
             astro::Precession(options.precession, ra, dec, epochYear, rowFaults);
         if (cutShort())
             return;

@@ -284,9 +284,9 @@ TEST(PrecessionPlan, SameAsThePlainRoutineForEveryEpochAndTarget)
             for (const Object& object : objects) {
                 RecordingFaults plainFaults;
                 RecordingFaults planFaults;
-                const astro::Equatorial plain = astro::Precession(
+                const astro::PrecessedPosition plain = astro::Precession(
                     t.year, t.month, t.day, object.ra, object.dec, epoch, plainFaults);
-                const astro::Equatorial planned =
+                const astro::PrecessedPosition planned =
                     astro::Precession(plan, object.ra, object.dec, epoch, planFaults);
                 ASSERT_EQ(planFaults.reports.size(), plainFaults.reports.size());
                 for (std::size_t i = 0; i < plainFaults.reports.size(); ++i) {
