@@ -12,6 +12,7 @@
 // logbook in an Open Astronomy Log file).
 // whatsup (the What's Up wizard), constellation (the constellation of a position), logspread
 // (the log view), logsearch (the logbook search).
+// planets (the planets for the observing clock), earth (the Earth of the high-precision series).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -23,6 +24,7 @@
 #include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
 #include "app/OutsideCommand.h"
+#include "app/PlanetsCommand.h"
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
@@ -162,6 +164,21 @@ const std::map<std::string, Command>& Commands()
               return app::RunLogSearchCommand(TMM, args, std::cout, clock);
           },
           app::LogSearchUsage}},
+        {"planets",
+         {app::CheckPlanetsArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunPlanetsCommand(TMM, args, std::cout, clock);
+          },
+          app::PlanetsUsage}},
+        {"earth",
+         {app::CheckEarthArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunEarthCommand(TMM, args, std::cout);
+          },
+          app::EarthUsage}},
     };
     return commands;
 }

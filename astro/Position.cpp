@@ -267,6 +267,17 @@ SkyObject MakeSkyObject(const Hms& ra, const Dms& dec)
     return object;
 }
 
+RiseSetShown ShownRiseSet(const RiseSetTimes& times)
+{
+    if (times.status == -1)
+        return {"CPolar", ""};
+    if (times.status == 1)
+        return {"*Never", "Rises*"};
+    if (times.status == 2)
+        return {"*Can't", "Calc*"};
+    return {times.riseTime, times.setTime};
+}
+
 std::string RiseSetTimeText(double hours, bool timesAMPM)
 {
     std::string text;

@@ -68,6 +68,15 @@ struct RiseSetTimes
 RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
                      const Dms& dec, FaultSink& faults);
 
+// What a list shows for RiseSet's outputs: the two times for status 0; "CPolar" and nothing
+// for -1 (never sets); "*Never" and "Rises*" for 1; "*Can't" and "Calc*" for 2.
+struct RiseSetShown
+{
+    std::string_view rise;
+    std::string_view set;
+};
+RiseSetShown ShownRiseSet(const RiseSetTimes& times);
+
 // RiseSet's text of a local time in hours (0 to 24): "hh:mm", or with timesAMPM "hh:mm AM"
 // below 12 and "hh:mm PM" from 12 (hour 0 shown as 12). Minutes are cut, not rounded, from
 // the time rounded to a tenth of a second, so 11.99999 reads "12:00 AM".

@@ -269,4 +269,14 @@ std::string FixedText(double x, int intDigits, int decimals)
     return out;
 }
 
+std::string OptionalDigitsText(double x, int decimals)
+{
+    std::string text = FixedText(x, 0, decimals);
+    if (decimals == 0)
+        text += '.';
+    while (text.back() == '0')
+        text.pop_back();
+    return text;
+}
+
 } // namespace astro

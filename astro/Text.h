@@ -50,6 +50,11 @@ double RoundPlaces(double x, int places);
 // zeros to intDigits integer digits, "-" kept on a negative value that rounds to 0.
 std::string FixedText(double x, int intDigits, int decimals);
 
+// x as the patterns of "#" placeholders write it ("###.#", "###.####"): no leading zero,
+// decimals rounded as RoundPlaces rounds and then their trailing zeros dropped, the point kept
+// (5 reads "5.", 0.5 ".5", -1.35114 "-1.3511").
+std::string OptionalDigitsText(double x, int decimals);
+
 // Writes the whole number n (0-99 expected) as at least two digits; returns the length.
 std::size_t TwoDigits(int n, char* buffer);
 

@@ -65,4 +65,9 @@ struct GridLoad
 void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
                  const astro::Clock& computerClock);
 
+// The observing clock and site of the settings, as the astronomy routines take them: the
+// observing date in the regional short form becomes YYYY-MM-DD (a text that is no date passes
+// as it is; blank means today).
+astro::ObservingClock ClockFrom(const data::Preferences& p);
+
 } // namespace spread
