@@ -1,5 +1,6 @@
 #include "app/ConstellationCommand.h"
 
+#include "app/PortFaults.h"
 #include "astro/Constellation.h"
 #include "services/Fault.h"
 #include "services/UiPort.h"
@@ -9,26 +10,6 @@
 namespace app {
 
 namespace {
-
-// The lookup's faults, handed to the port's fault report; counted so that the command can end
-// with status 1.
-class PortFaults : public astro::FaultSink
-{
-public:
-    explicit PortFaults(services::UiPort& ui) : ui_(ui) {}
-
-    void ReportFault(std::string_view message, std::string_view location) override
-    {
-        ++count;
-        ui_.ReportFault(std::string(message), std::string(location));
-    }
-    void EndProcess(int exitCode) override { services::EndProcess(exitCode); }
-
-    int count = 0;
-
-private:
-    services::UiPort& ui_;
-};
 
 void WriteAnswer(std::ostream& out, const astro::ConstellationName& answer)
 {
