@@ -14,6 +14,8 @@
 // (the log view), logsearch (the logbook search).
 // planets (the planets for the observing clock), earth (the Earth of the high-precision series).
 //
+// sun, moon, moonphases YEAR (the Sun and the Moon for the observing clock, the year's phases).
+//
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/BackupCommand.h"
@@ -28,12 +30,14 @@
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
+#include "app/SunMoonCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
 #include "services/ErrorLog.h"
 #include "services/ScriptedUiPort.h"
 #include "spread/LoadForm.h"
+#include "spread/LoadTheGrid.h"
 
 #include <QCoreApplication>
 
@@ -73,9 +77,7 @@ const std::map<std::string, Command>& Commands()
         {"sql",
          {app::CheckSqlArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult& start,
-             const std::vector<std::string>&) {
-              return app::RunSqlCommand(TMM, start, std::cout);
-          },
+             const std::vector<std::string>&) { return app::RunSqlCommand(TMM, start, std::cout); },
           app::SqlUsage}},
         {"log",
          {app::CheckLogArgs,
@@ -179,6 +181,29 @@ const std::map<std::string, Command>& Commands()
               return app::RunEarthCommand(TMM, args, std::cout);
           },
           app::EarthUsage}},
+        {"sun",
+         {app::CheckSunArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>&) {
+              const astro::SystemClock clock;
+              return app::RunSunCommand(spread::ClockFrom(TMM.prefs), clock, TMM.ui, std::cout);
+          },
+          app::SunUsage}},
+        {"moon",
+         {app::CheckMoonArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>&) {
+              const astro::SystemClock clock;
+              return app::RunMoonCommand(spread::ClockFrom(TMM.prefs), clock, TMM.ui, std::cout);
+          },
+          app::MoonUsage}},
+        {"moonphases",
+         {app::CheckMoonPhasesArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunMoonPhasesCommand(args, TMM.ui, std::cout);
+          },
+          app::MoonPhasesUsage}},
     };
     return commands;
 }

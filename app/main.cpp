@@ -2,7 +2,7 @@
 
 #include "app/BackupWiring.h"
 #include "app/LogbookWiring.h"
-#include "app/SolarWiring.h"
+#include "app/SolarSystemWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"

@@ -24,6 +24,10 @@ enum class LoadMode
 };
 LoadMode ParseLoadMode(std::string_view mode);
 
+// The observing clock and site of the settings, the date as YYYY-MM-DD when it reads as one in
+// the regional short form.
+astro::ObservingClock ClockFrom(const data::Preferences& p);
+
 inline constexpr const char* OneQueryText =
     "Please wait or cancel the existing query first.  Only one Query can be run at a time";
 inline constexpr const char* OneQueryTitle = "Invalid Usage";
@@ -64,10 +68,5 @@ struct GridLoad
 // Location: ctlSpread.LoadTheGrid
 void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
                  const astro::Clock& computerClock);
-
-// The observing clock and site of the settings, as the astronomy routines take them: the
-// observing date in the regional short form becomes YYYY-MM-DD (a text that is no date passes
-// as it is; blank means today).
-astro::ObservingClock ClockFrom(const data::Preferences& p);
 
 } // namespace spread

@@ -3,7 +3,7 @@
 
 #include "GuiApp.h"
 
-#include "app/SolarWiring.h"
+#include "app/SolarSystemWiring.h"
 #include "astro/ui/frmPlanets1.h"
 #include "astro/ui/frmSolarSummary.h"
 #include "data/ProgramDir.h"
