@@ -90,8 +90,8 @@ void WireSolarSystem(spread::frmMainScreen& window, spread::AppState& state, ser
 
     // The summary and the planets read the settings and folder at each click.
     auto context = [&state, &ui, &clock] {
-        return astro::ui::SolarContext{
-            ui, state.dir.path, [&state] { return spread::ClockFrom(state.prefs); }, clock};
+        return astro::ui::SolarContext{ui, state.dir.path,
+                                       [&state] { return spread::ClockFrom(state.prefs); }, clock};
     };
     auto* summary = new QPointer<astro::ui::frmSolarSummary>;
     auto* planets = new QPointer<astro::ui::frmPlanets1>;
@@ -104,9 +104,8 @@ void WireSolarSystem(spread::frmMainScreen& window, spread::AppState& state, ser
             *summary = new astro::ui::frmSolarSummary(context(), &window);
         (*summary)->Refresh();
     });
-    constexpr const char* planetKeys[] = {"athemercury", "athevenus",  "athemars",
-                                          "athejupiter", "athesaturn", "atheuranus",
-                                          "atheneptune", "athepluto"};
+    constexpr const char* planetKeys[] = {"athemercury", "athevenus",  "athemars",    "athejupiter",
+                                          "athesaturn",  "atheuranus", "atheneptune", "athepluto"};
     for (int planet = 1; planet <= 8; ++planet)
         dispatcher.SetAction(planetKeys[planet - 1], [planets, context, &window, planet] {
             if (!*planets)

@@ -1,8 +1,10 @@
 #include "spread/SolarSummary.h"
 
+#include "astro/Moon.h"
 #include "astro/Planets.h"
 #include "astro/Position.h"
 #include "astro/SolarCommon.h"
+#include "astro/Sun.h"
 #include "astro/Text.h"
 #include "astro/Time.h"
 #include "services/Vb.h"
@@ -77,6 +79,69 @@ std::vector<SummaryRow> PlanetSummary(const astro::ObservingClock& clock,
         rows.push_back(std::move(row));
     }
     return rows;
+}
+
+SolarSummaryResult SolarSummary(const astro::ObservingClock& clock,
+                                const astro::Clock& computerClock,
+                                const std::filesystem::path& programDir, astro::FaultSink& faults)
+{
+    SolarSummaryResult result;
+    astro::RoutineFaults sunFaults(faults, "Module1.CalcSun");
+    const astro::SunOutputs sun = astro::CalcSun(clock, computerClock, sunFaults);
+    if (sunFaults.count == 0) {
+        SummaryRow row;
+        row.body = "Sun";
+        row.ra = sun.ra2;
+        row.dec = sun.dec2;
+        row.times.altitude = sun.altitude;
+        row.times.rise = sun.sunrise;
+        row.times.set = sun.sunset;
+        const double transit = astro::SunTransit(clock, computerClock, faults);
+        if (!std::isnan(transit))
+            row.times.transit = astro::SunTimeText(transit, clock.timesAMPM);
+        row.magnitude = "-26.74";
+        row.size = sun.diameter;
+        row.illumination = "100.0";
+        result.rows.push_back(std::move(row));
+        result.darkness = astro::DarknessText(sun, clock.timesAMPM);
+        if (!std::isnan(sun.twilightEndsHours) && !std::isnan(sun.twilightBeginsHours) &&
+            !sun.twilightEnds.empty())
+            result.twilight = "Astronomical twilight ends " +
+                              astro::SunTimeText(sun.twilightEndsHours, clock.timesAMPM) +
+                              ", begins " +
+                              astro::SunTimeText(sun.twilightBeginsHours, clock.timesAMPM);
+    }
+
+    astro::RoutineFaults moonFaults(faults, "Module1.CalcMoon");
+    const astro::MoonOutputs moon = astro::CalcMoon(clock, computerClock, moonFaults);
+    if (moonFaults.count == 0) {
+        SummaryRow row;
+        row.body = "Moon";
+        row.ra = moon.ra2;
+        row.dec = moon.dec2;
+        row.times = TimesOf(clock, computerClock, moon.raHours, moon.decDeg, faults);
+        row.times.altitude = moon.altitude;
+        row.times.rise = moon.moonrise;
+        row.times.set = moon.moonset;
+        row.size = moon.diameter;
+        row.illumination = moon.illuminated;
+        result.rows.push_back(std::move(row));
+    }
+    const astro::MoonPhaseIcon phase = astro::CalcMoonPhase(clock, computerClock, faults);
+    if (!phase.icon.empty()) {
+        result.moonAge = astro::FixedText(phase.age, 1, 1);
+        result.moonIcon = phase.icon;
+    }
+    const astro::NextLunarPhases next = astro::NextMoonPhases(clock, computerClock, faults);
+    if (!std::isnan(next.newMoon)) {
+        result.nextNew = astro::PhaseTimeText(next.newMoon, clock.PTz, false, faults);
+        result.nextFull = astro::PhaseTimeText(next.fullMoon, clock.PTz, false, faults);
+    }
+
+    std::vector<SummaryRow> planets = PlanetSummary(clock, computerClock, programDir, faults);
+    for (SummaryRow& row : planets)
+        result.rows.push_back(std::move(row));
+    return result;
 }
 
 } // namespace spread

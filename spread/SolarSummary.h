@@ -31,7 +31,7 @@ BodyTimes TimesOf(const astro::ObservingClock& clock, const astro::Clock& comput
 // One line of the summary.
 struct SummaryRow
 {
-    std::string body; // "Mercury" ... "Pluto"
+    std::string body; // "Sun", "Moon", "Mercury" ... "Pluto"
     std::string ra;   // "06h 05m 24s"
     std::string dec;  // "+23°26' 12""
     BodyTimes times;
@@ -46,5 +46,23 @@ std::vector<SummaryRow> PlanetSummary(const astro::ObservingClock& clock,
                                       const astro::Clock& computerClock,
                                       const std::filesystem::path& programDir,
                                       astro::FaultSink& faults);
+
+// The whole summary: the Sun, the Moon and the planets, and the night.
+struct SolarSummaryResult
+{
+    std::vector<SummaryRow> rows;
+    std::string darkness; // "Dark from 21:48 to 03:55", "No astronomical darkness" or empty
+    std::string twilight; // "Twilight ends 19:48, begins 05:12" in decimal-hour texts' times
+    std::string moonAge;  // days, "0.0"
+    std::string moonIcon; // "moon01.ico" ... "moon08.ico"; empty after a fault
+    std::string nextNew;  // local "YYYY-MM-DD HH:MM" of the next new moon
+    std::string nextFull; // and of the next full moon
+};
+
+// Status: each routine reports its own faults through faults; a body whose routine faulted is
+// left out.
+SolarSummaryResult SolarSummary(const astro::ObservingClock& clock,
+                                const astro::Clock& computerClock,
+                                const std::filesystem::path& programDir, astro::FaultSink& faults);
 
 } // namespace spread

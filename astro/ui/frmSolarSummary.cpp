@@ -3,7 +3,9 @@
 #include "spread/PortFaults.h"
 #include "spread/SolarSummary.h"
 
+#include <QHBoxLayout>
 #include <QHeaderView>
+#include <QIcon>
 #include <QLabel>
 #include <QPushButton>
 #include <QTableWidget>
@@ -45,11 +47,19 @@ frmSolarSummary::frmSolarSummary(SolarContext context, QWidget* parent)
     lblNight->setObjectName("lblNight");
     lblNight->setWordWrap(true);
     layout->addWidget(lblNight);
+    auto* moonLine = new QHBoxLayout;
+    imgMoon = new QLabel(this);
+    imgMoon->setObjectName("imgMoon");
+    lblMoon = new QLabel(this);
+    lblMoon->setObjectName("lblMoon");
+    moonLine->addWidget(imgMoon);
+    moonLine->addWidget(lblMoon, 1);
+    layout->addLayout(moonLine);
     auto* cmdClose = new QPushButton("Close", this);
     cmdClose->setObjectName("cmdClose");
     layout->addWidget(cmdClose, 0, Qt::AlignRight);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
-    resize(900, 420);
+    resize(760, 520);
 }
 
 void frmSolarSummary::Refresh()
@@ -60,8 +70,9 @@ void frmSolarSummary::Refresh()
                           .arg(clock.Plat)
                           .arg(clock.Plon));
     spread::PortFaults faults(context_.ui);
-    const std::vector<spread::SummaryRow> rows =
-        spread::PlanetSummary(clock, context_.computerClock, context_.programDir, faults);
+    const spread::SolarSummaryResult summary =
+        spread::SolarSummary(clock, context_.computerClock, context_.programDir, faults);
+    const std::vector<spread::SummaryRow>& rows = summary.rows;
     grdSummary->setRowCount(static_cast<int>(rows.size()));
     for (int r = 0; r < static_cast<int>(rows.size()); ++r) {
         const spread::SummaryRow& row = rows[static_cast<std::size_t>(r)];
@@ -76,6 +87,22 @@ void frmSolarSummary::Refresh()
         }
     }
     grdSummary->resizeColumnsToContents();
+    QStringList night;
+    if (!summary.darkness.empty())
+        night << Q(summary.darkness);
+    if (!summary.twilight.empty())
+        night << Q(summary.twilight);
+    lblNight->setText(night.join("      "));
+    imgMoon->clear();
+    if (!summary.moonIcon.empty())
+        imgMoon->setPixmap(
+            QIcon(QString::fromStdString((context_.programDir / summary.moonIcon).string()))
+                .pixmap(32, 32));
+    lblMoon->setText(
+        summary.moonAge.empty()
+            ? QString()
+            : QString("Moon's age %1 days      Next new moon %2      Next full moon %3")
+                  .arg(Q(summary.moonAge), Q(summary.nextNew), Q(summary.nextFull)));
     show();
     raise();
 }

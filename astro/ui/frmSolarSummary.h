@@ -22,6 +22,8 @@ public:
     QLabel* lblClock;
     QTableWidget* grdSummary;
     QLabel* lblNight;
+    QLabel* imgMoon;
+    QLabel* lblMoon;
 
 private:
     SolarContext context_;

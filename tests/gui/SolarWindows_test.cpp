@@ -39,7 +39,10 @@ struct Screen
 
     Screen()
     {
-        std::filesystem::copy_file(kResources / "Planet.dat", dir.File("Planet.dat"));
+        for (const char* file : {"Planet.dat", "moon01.ico", "moon02.ico", "moon03.ico",
+                                 "moon04.ico", "moon05.ico", "moon06.ico", "moon07.ico",
+                                 "moon08.ico"})
+            std::filesystem::copy_file(kResources / file, dir.File(file));
         state.prefs.UseRealTime = "N";
         state.prefs.PDate = "2024-03-15";
         state.prefs.Ptime = "22:00";
@@ -102,14 +105,21 @@ TEST(SolarWindows, SummaryFromItsKey)
     ASSERT_NE(summary, nullptr);
     EXPECT_TRUE(summary->isVisible());
     QTableWidget* grid = summary->grdSummary;
-    ASSERT_GE(grid->rowCount(), 8);
-    const int first = grid->rowCount() - 8; // the planets follow the Sun and Moon
+    ASSERT_EQ(grid->rowCount(), 10);
+    EXPECT_EQ(grid->item(0, 0)->text(), "Sun");
+    EXPECT_EQ(grid->item(1, 0)->text(), "Moon");
+    const int first = 2; // the planets follow the Sun and Moon
     EXPECT_EQ(grid->item(first, 0)->text(), "Mercury");
     EXPECT_EQ(grid->item(first + 7, 0)->text(), "Pluto");
     for (int r = 0; r < grid->rowCount(); ++r)
         for (int c = 0; c < grid->columnCount(); ++c)
             EXPECT_NE(grid->item(r, c), nullptr);
     EXPECT_TRUE(s.ui.shown.empty());
+    // 2024 March 15 at 46.5 N: the night is dark; the Moon is a crescent of about 5 days.
+    EXPECT_TRUE(summary->lblNight->text().startsWith("Dark from "))
+        << summary->lblNight->text().toStdString();
+    EXPECT_TRUE(summary->lblMoon->text().startsWith("Moon's age "))
+        << summary->lblMoon->text().toStdString();
     s.Shoot(*summary, "solar-summary.png");
 
     // A short Planet.dat: the fault is reported once per planet and the lines are left out.
