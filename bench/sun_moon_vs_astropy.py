@@ -34,8 +34,12 @@ import erfa
 import numpy as np
 from astropy.coordinates import TETE, GeocentricTrueEcliptic, get_body, get_sun
 from astropy.time import Time
+from astropy.utils import iers
 
 warnings.simplefilter("ignore")
+# Offline: no IERS downloads; the times are taken as they are (TT = UT1, no polar motion).
+iers.conf.auto_download = False
+iers.conf.iers_degraded_accuracy = "ignore"
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 HORIZON_DEG = -math.degrees(0.014593)
 
