@@ -75,7 +75,7 @@ void UpdateMoonPhaseIcon(spread::frmMainScreen& window, spread::AppState& state,
         astro::CalcMoonPhase(spread::ClockFrom(state.prefs), clock, faults);
     if (phase.icon.empty())
         return;
-    label->setPixmap(QIcon(QString::fromStdString(state.dir.Text(phase.icon))).pixmap(20, 20));
+    label->setPixmap(QIcon(QString::fromStdString(state.dir.Text(phase.icon))).pixmap(24, 24));
     label->setToolTip(
         QString::fromStdString("Moon's age " + astro::FixedText(phase.age, 1, 1) + " days"));
 }

@@ -3,7 +3,7 @@
 //
 //   make-moon-icons DIR
 //
-// Each icon is the Moon as seen from the north at the middle of its band of ages: the lit part
+// Each icon is the Moon as seen from the north at one of the principal phases: the lit part
 // bounded by the limb and the terminator, an ellipse whose half-width is the radius times the
 // cosine of the phase angle; the dark part stays faintly visible. 64 x 64 pixels.
 
@@ -21,8 +21,10 @@ namespace {
 constexpr int kSize = 64;
 constexpr double kSynodicMonth = 29.53;
 
-// The ages the eight icons show, in the middle of their bands.
-constexpr double kAges[8] = {0.0, 2.75, 6.75, 11.5, 14.75, 17.25, 21.5, 26.5};
+// The ages the eight icons show: the eight principal phases, an eighth of a month apart (new,
+// waxing crescent, first quarter, waxing gibbous, full, waning gibbous, last quarter, waning
+// crescent), so that the crescents stay visible at the status band's size.
+constexpr double kAges[8] = {0.0, 3.69, 7.38, 11.07, 14.77, 18.46, 22.15, 25.84};
 
 QImage DrawPhase(double ageDays)
 {

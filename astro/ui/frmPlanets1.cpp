@@ -1,6 +1,7 @@
 #include "astro/ui/frmPlanets1.h"
 
 #include "astro/Planets.h"
+#include "astro/ui/OutputTable.h"
 #include "services/UiPort.h"
 #include "spread/PortFaults.h"
 #include "spread/SolarSummary.h"
@@ -67,8 +68,7 @@ frmPlanets1::frmPlanets1(SolarContext context, QWidget* parent)
     buttons->addWidget(cmdGoto);
     buttons->addWidget(cmdClose);
     layout->addLayout(buttons);
-    connect(cmdGoto, &QPushButton::clicked, this,
-            [this] { context_.ui.ShowMessage(NoTelescopeText, NoTelescopeTitle, "I"); });
+    connect(cmdGoto, &QPushButton::clicked, this, [this] { TelescopeNotConnected(context_.ui); });
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
 }
 

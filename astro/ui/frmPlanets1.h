@@ -29,10 +29,6 @@ struct SolarContext
     const astro::Clock& computerClock;
 };
 
-inline constexpr const char* NoTelescopeText =
-    "No telescope is connected. Connect one from the Telescope menu first.";
-inline constexpr const char* NoTelescopeTitle = "Goto";
-
 class frmPlanets1 : public QDialog
 {
 public:
