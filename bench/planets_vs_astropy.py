@@ -30,6 +30,11 @@ import numpy as np
 from astropy import units as u
 from astropy.coordinates import TETE, get_body, get_body_barycentric, solar_system_ephemeris
 from astropy.time import Time
+from astropy.utils import iers
+
+# Offline: no IERS downloads; the times are taken as they are.
+iers.conf.auto_download = False
+iers.conf.iers_degraded_accuracy = "ignore"
 
 ROOT = pathlib.Path(__file__).resolve().parent.parent
 PLANETS = ["MERCURY", "VENUS", "MARS", "JUPITER", "SATURN", "URANUS", "NEPTUNE", "PLUTO"]
