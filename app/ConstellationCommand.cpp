@@ -1,34 +1,14 @@
 #include "app/ConstellationCommand.h"
 
 #include "astro/Constellation.h"
-#include "services/Fault.h"
 #include "services/UiPort.h"
+#include "spread/PortFaults.h"
 
 #include <iostream>
 
 namespace app {
 
 namespace {
-
-// The lookup's faults, handed to the port's fault report; counted so that the command can end
-// with status 1.
-class PortFaults : public astro::FaultSink
-{
-public:
-    explicit PortFaults(services::UiPort& ui) : ui_(ui) {}
-
-    void ReportFault(std::string_view message, std::string_view location) override
-    {
-        ++count;
-        ui_.ReportFault(std::string(message), std::string(location));
-    }
-    void EndProcess(int exitCode) override { services::EndProcess(exitCode); }
-
-    int count = 0;
-
-private:
-    services::UiPort& ui_;
-};
 
 void WriteAnswer(std::ostream& out, const astro::ConstellationName& answer)
 {
@@ -69,7 +49,7 @@ int RunConstellationCommand(const data::ProgramDir& dir, services::UiPort& ui,
         std::cerr << "selvane-cli: " << error << "\n" << ConstellationUsage << "\n";
         return 2;
     }
-    PortFaults faults(ui);
+    spread::PortFaults faults(ui);
     out << "Name\tAbbr\n";
     if (args.size() != 1) {
         const std::string epoch = args.size() == 3 ? args[2] : DefaultConstellationEpoch;

@@ -8,7 +8,9 @@
 // (an earlier logbook imported), outside (the outside window from a script), backup, restore
 // and compact (the logbook's copies, the compaction of the databases), oal (the logbook in an
 // Open Astronomy Log file), logspread (the log view), logsearch (the logbook search), export
-// (the export keys on tab 0).
+// (the export keys on tab 0), planets (the planets for the observing clock), earth (the
+// Earth of the high-precision series), sun, moon and moonphases YEAR (the Sun and the Moon for
+// the observing clock, the year's phases).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -21,15 +23,18 @@
 #include "app/ImportJetCommand.h"
 #include "app/LogCommand.h"
 #include "app/OutsideCommand.h"
+#include "app/PlanetsCommand.h"
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
+#include "app/SunMoonCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
 #include "services/ErrorLog.h"
 #include "services/ScriptedUiPort.h"
 #include "spread/LoadForm.h"
+#include "spread/LoadTheGrid.h"
 
 #include <QCoreApplication>
 
@@ -69,9 +74,7 @@ const std::map<std::string, Command>& Commands()
         {"sql",
          {app::CheckSqlArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult& start,
-             const std::vector<std::string>&) {
-              return app::RunSqlCommand(TMM, start, std::cout);
-          },
+             const std::vector<std::string>&) { return app::RunSqlCommand(TMM, start, std::cout); },
           app::SqlUsage}},
         {"log",
          {app::CheckLogArgs,
@@ -168,6 +171,44 @@ const std::map<std::string, Command>& Commands()
               return app::RunExportCommand(TMM, start, args, clock);
           },
           app::ExportUsage}},
+        {"planets",
+         {app::CheckPlanetsArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunPlanetsCommand(TMM, args, std::cout, clock);
+          },
+          app::PlanetsUsage}},
+        {"earth",
+         {app::CheckEarthArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunEarthCommand(TMM, args, std::cout);
+          },
+          app::EarthUsage}},
+        {"sun",
+         {app::CheckSunArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>&) {
+              const astro::SystemClock clock;
+              return app::RunSunCommand(spread::ClockFrom(TMM.prefs), clock, TMM.ui, std::cout);
+          },
+          app::SunUsage}},
+        {"moon",
+         {app::CheckMoonArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>&) {
+              const astro::SystemClock clock;
+              return app::RunMoonCommand(spread::ClockFrom(TMM.prefs), clock, TMM.ui, std::cout);
+          },
+          app::MoonUsage}},
+        {"moonphases",
+         {app::CheckMoonPhasesArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunMoonPhasesCommand(args, TMM.ui, std::cout);
+          },
+          app::MoonPhasesUsage}},
     };
     return commands;
 }

@@ -2,6 +2,7 @@
 
 #include "app/BackupWiring.h"
 #include "app/LogbookWiring.h"
+#include "app/SolarSystemWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -73,6 +74,7 @@ int main(int argc, char* argv[])
     ui.SetParent(&window);
     app::WireLogbook(window, state, ui, clock, state.current);
     app::WireBackup(window, state, clock);
+    app::WireSolarSystem(window, state, ui, clock);
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)

@@ -12,30 +12,19 @@ namespace astro {
 
 namespace {
 
-bool IsSeparator(char c)
-{
-    return c == ',' || c == ' ' || c == '\t' || c == '\r' || c == '\n';
-}
-
 // Reads count numbers from the file into out; the fault's description, or empty.
 template <typename Convert>
 std::string_view ReadSequential(const std::filesystem::path& file, int count, Convert convert)
 {
-    std::ifstream in(file, std::ios::binary);
-    if (!in)
+    const std::optional<std::string> text = ReadTextFile(file);
+    if (!text)
         return kFileNotFound;
-    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
     std::size_t pos = 0;
     for (int i = 0; i < count; ++i) {
-        while (pos < text.size() && IsSeparator(text[pos]))
-            ++pos;
-        if (pos >= text.size())
+        const std::optional<std::string_view> field = NextSequentialField(*text, pos);
+        if (!field)
             return kInputPastEndOfFile;
-        const std::size_t start = pos;
-        while (pos < text.size() && !IsSeparator(text[pos]))
-            ++pos;
-        const std::optional<double> value =
-            ParseNumber(std::string_view(text).substr(start, pos - start));
+        const std::optional<double> value = ParseNumber(*field);
         if (!value)
             return kTypeMismatch;
         if (const std::string_view fault = convert(i, *value); !fault.empty())
@@ -44,7 +33,32 @@ std::string_view ReadSequential(const std::filesystem::path& file, int count, Co
     return {};
 }
 
+bool IsSeparator(char c)
+{
+    return c == ',' || c == ' ' || c == '\t' || c == '\r' || c == '\n';
+}
+
 } // namespace
+
+std::optional<std::string> ReadTextFile(const std::filesystem::path& file)
+{
+    std::ifstream in(file, std::ios::binary);
+    if (!in)
+        return std::nullopt;
+    return std::string((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+}
+
+std::optional<std::string_view> NextSequentialField(std::string_view text, std::size_t& pos)
+{
+    while (pos < text.size() && IsSeparator(text[pos]))
+        ++pos;
+    if (pos >= text.size())
+        return std::nullopt;
+    const std::size_t start = pos;
+    while (pos < text.size() && !IsSeparator(text[pos]))
+        ++pos;
+    return text.substr(start, pos - start);
+}
 
 const DeltaTTable* DataTables::DeltaT(const std::filesystem::path& folder, FaultSink& faults,
                                       std::string_view location)

@@ -17,6 +17,8 @@
 #include <cstdint>
 #include <filesystem>
 #include <mutex>
+#include <optional>
+#include <string>
 #include <string_view>
 
 namespace astro {
@@ -47,6 +49,13 @@ private:
     DeltaTTable deltaT_{};
     RoundingOffsets offsets_{};
 };
+
+// The whole of a file; nothing when it cannot be opened.
+std::optional<std::string> ReadTextFile(const std::filesystem::path& file);
+
+// The next field of a sequential file's text from pos (commas, blanks, tabs and line breaks
+// separate fields), pos moved past it; nothing at the end of the text.
+std::optional<std::string_view> NextSequentialField(std::string_view text, std::size_t& pos);
 
 // The tables of this process.
 DataTables& ProcessDataTables();

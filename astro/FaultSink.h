@@ -35,4 +35,28 @@ public:
     virtual void EndProcess(int exitCode) = 0;
 };
 
+// Passes faults on under the location of one routine, for a long routine whose local steps
+// call other routines: what they report is the routine's fault. The fatal arcsine fault keeps
+// its own location. Counts what passed, so the routine can stop after a fault.
+class RoutineFaults : public FaultSink
+{
+public:
+    RoutineFaults(FaultSink& inner, std::string_view location) : inner_(inner), location_(location)
+    {
+    }
+
+    void ReportFault(std::string_view message, std::string_view location) override
+    {
+        ++count;
+        inner_.ReportFault(message, location == kFatalFaultLocation ? location : location_);
+    }
+    void EndProcess(int exitCode) override { inner_.EndProcess(exitCode); }
+
+    int count = 0;
+
+private:
+    FaultSink& inner_;
+    std::string_view location_;
+};
+
 } // namespace astro

@@ -16,16 +16,6 @@ bool IsBlankText(const std::string& text)
     return text.find_first_not_of(" \t") == std::string::npos;
 }
 
-// The observing date: the computer's under real time (or when PDate is blank), else PDate.
-std::optional<CivilDate> ObservingDate(const ObservingClock& clock, const Clock& computerClock)
-{
-    if (clock.UseRealTime == "Y" || IsBlankText(clock.PDate)) {
-        const LocalDateTime now = computerClock.Now();
-        return CivilDate{now.year, now.month, now.day};
-    }
-    return ParseObservingDate(clock.PDate);
-}
-
 // Hour and minute of a time text "hh:mm": characters 1-2 and 4-5.
 void ReadTimeText(std::string_view time, double& hour, double& minute)
 {
@@ -169,53 +159,15 @@ struct RiseSetSite
 RiseSetTimes RiseSetAt(const RiseSetSite& site, const SkyObject& object, FaultSink& faults)
 {
     RiseSetTimes out;
-    const double alpha = object.alpha;
-    const double delta = object.delta;
-    const double D = site.D;
-    const double cosPhi = site.cosPhi;
-    const double sinPhi = site.sinPhi;
-    const double cosDelta = object.cosDelta;
-    if (std::fabs(cosDelta * cosPhi) < 1e-10) {
-        out.status = 2;
+    const RiseSetSidereal sidereal =
+        RiseSetSiderealTimes(object, site.sinPhi, site.cosPhi, site.D, faults);
+    out.status = sidereal.status;
+    if (sidereal.status != 0)
         return out;
-    }
-    double Y = sinPhi / cosDelta;
-    if (Y > 1)
-        Y = 1;
-    // Deliberate: +1 on this side too; rise and set times have always been computed so.
-    if (Y < -1)
-        Y = 1;
-    const double delta2 = D * Y + delta;
-    const double cH = -sinPhi * std::tan(delta2) / cosPhi;
-    // The arccosine of Y is wanted only for an object that rises and sets. Y is a number
-    // within -1 and 1 by now, where the arcsine cannot fault, or NaN, which reaches here too
-    // and faults first as it always has.
-    if (cH < -1) {
-        out.status = -1;
-        return out;
-    }
-    if (cH > 1) {
-        out.status = 1;
-        return out;
-    }
-    const double A = CalcACS(Y, faults);
-    const double dH = D * std::sin(A);
-    const double H = (CalcACS(cH, faults) + dH) * kHoursPerRadianShort;
-    // Deliberate: the azimuths of rising and setting are not used, but an argument past 1
-    // here is still the fatal arcsine fault.
-    CheckASN(std::sin(delta2) / cosPhi, faults);
-
-    double LR = 24 + alpha - H;
-    double LS = alpha + H;
     std::string* texts[2] = {&out.riseTime, &out.setTime};
-    double* sidereal[2] = {&LR, &LS};
+    const double values[2] = {sidereal.LR, sidereal.LS};
     for (int k = 0; k < 2; ++k) {
-        double& v = *sidereal[k];
-        if (v < 0)
-            v += 24;
-        if (v > 24)
-            v -= 24;
-        const GtimeResult g = GtimeFromG0(v - site.L, site.G0, 0.0);
+        const GtimeResult g = GtimeFromG0(values[k] - site.L, site.G0, 0.0);
         double t = ConvertToDecimal(g.seconds, g.minutes, g.hours);
         t = t - site.PTz;
         if (!site.standardTime)
@@ -248,6 +200,63 @@ void WriteBestTime(int bestHour, int bestMinute, bool timesAMPM, std::string& ou
 
 } // namespace
 
+std::optional<CivilDate> ObservingDate(const ObservingClock& clock, const Clock& computerClock)
+{
+    if (clock.UseRealTime == "Y" || IsBlankText(clock.PDate)) {
+        const LocalDateTime now = computerClock.Now();
+        return CivilDate{now.year, now.month, now.day};
+    }
+    return ParseObservingDate(clock.PDate);
+}
+
+RiseSetSidereal RiseSetSiderealTimes(const SkyObject& object, double sinPhi, double cosPhi,
+                                     double D, FaultSink& faults)
+{
+    RiseSetSidereal out;
+    const double alpha = object.alpha;
+    const double delta = object.delta;
+    const double cosDelta = object.cosDelta;
+    if (std::fabs(cosDelta * cosPhi) < 1e-10) {
+        out.status = 2;
+        return out;
+    }
+    double Y = sinPhi / cosDelta;
+    if (Y > 1)
+        Y = 1;
+    // Deliberate: +1 on this side too; rise and set times have always been computed so.
+    if (Y < -1)
+        Y = 1;
+    const double delta2 = D * Y + delta;
+    const double cH = -sinPhi * std::tan(delta2) / cosPhi;
+    // The arccosine of Y is wanted only for an object that rises and sets. Y is a number
+    // within -1 and 1 by now, where the arcsine cannot fault, or NaN, which reaches here too
+    // and faults first as it always has.
+    if (cH < -1) {
+        out.status = -1;
+        return out;
+    }
+    if (cH > 1) {
+        out.status = 1;
+        return out;
+    }
+    const double A = CalcACS(Y, faults);
+    const double dH = D * std::sin(A);
+    const double H = (CalcACS(cH, faults) + dH) * kHoursPerRadianShort;
+    // Deliberate: the azimuths of rising and setting are not used, but an argument past 1
+    // here is still the fatal arcsine fault.
+    CheckASN(std::sin(delta2) / cosPhi, faults);
+
+    out.LR = 24 + alpha - H;
+    out.LS = alpha + H;
+    for (double* v : {&out.LR, &out.LS}) {
+        if (*v < 0)
+            *v += 24;
+        if (*v > 24)
+            *v -= 24;
+    }
+    return out;
+}
+
 SkyObject MakeSkyObject(const Hms& ra, const Dms& dec)
 {
     SkyObject object;
@@ -256,6 +265,17 @@ SkyObject MakeSkyObject(const Hms& ra, const Dms& dec)
     object.sinDelta = std::sin(object.delta);
     object.cosDelta = std::cos(object.delta);
     return object;
+}
+
+RiseSetShown ShownRiseSet(const RiseSetTimes& times)
+{
+    if (times.status == -1)
+        return {"CPolar", ""};
+    if (times.status == 1)
+        return {"*Never", "Rises*"};
+    if (times.status == 2)
+        return {"*Can't", "Calc*"};
+    return {times.riseTime, times.setTime};
 }
 
 std::string RiseSetTimeText(double hours, bool timesAMPM)
@@ -570,7 +590,7 @@ PrecessionRates RatesFrom(const PrecessionPlan& target, double epochRounded)
     return r;
 }
 
-Equatorial Precess(const PrecessionRates& rates, const Hms& ra, const Dms& dec)
+PrecessedPosition Precess(const PrecessionRates& rates, const Hms& ra, const Dms& dec)
 {
     const double m = rates.m;
     const double n = rates.n;
@@ -585,7 +605,7 @@ Equatorial Precess(const PrecessionRates& rates, const Hms& ra, const Dms& dec)
         alpha -= 6.2831853;
     if (alpha < 0)
         alpha += 6.2831853;
-    Equatorial out;
+    PrecessedPosition out;
     const Sexagesimal r = ConvertFromDecimal(CalcDegrees(alpha) / 15);
     out.ra = {r.degrees, r.minutes, r.seconds};
     out.dec = SignPush(ConvertFromDecimal(CalcDegrees(delta)));
@@ -626,8 +646,8 @@ PrecessionPlan MakePrecessionPlan(std::string_view year, std::string_view month,
     return plan;
 }
 
-Equatorial Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
-                      double epochYear, FaultSink& faults)
+PrecessedPosition Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
+                             double epochYear, FaultSink& faults)
 {
     // The epoch is checked before the target, as the plain routine does.
     const std::optional<double> epochRounded = EpochYear(epochYear);
@@ -644,8 +664,8 @@ Equatorial Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
     return Precess(RatesFrom(plan, *epochRounded), ra, dec);
 }
 
-Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
-                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults)
+PrecessedPosition Precession(std::string_view year, std::string_view month, std::string_view day,
+                             const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults)
 {
     return Precession(MakePrecessionPlan(year, month, day, epochYear), ra, dec, epochYear, faults);
 }

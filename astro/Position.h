@@ -14,14 +14,20 @@
 
 #include "astro/FaultSink.h"
 #include "astro/ObservingClock.h"
+#include "astro/Text.h"
 #include "astro/Time.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace astro {
+
+// The observing date: the computer's under real time or when PDate is blank, else PDate;
+// nothing when PDate is not a date.
+std::optional<CivilDate> ObservingDate(const ObservingClock& clock, const Clock& computerClock);
 
 // Hour angle of a right ascension for the observing clock.
 // Given: usePtime: with real time on, take the time from Ptime (the date still from the
@@ -61,6 +67,15 @@ struct RiseSetTimes
 // Location: Module1.RiseSet
 RiseSetTimes RiseSet(const ObservingClock& clock, const Clock& computerClock, const Hms& ra,
                      const Dms& dec, FaultSink& faults);
+
+// What a list shows for RiseSet's outputs: the two times for status 0; "CPolar" and nothing
+// for -1 (never sets); "*Never" and "Rises*" for 1; "*Can't" and "Calc*" for 2.
+struct RiseSetShown
+{
+    std::string_view rise;
+    std::string_view set;
+};
+RiseSetShown ShownRiseSet(const RiseSetTimes& times);
 
 // RiseSet's text of a local time in hours (0 to 24): "hh:mm", or with timesAMPM "hh:mm AM"
 // below 12 and "hh:mm PM" from 12 (hour 0 shown as 12). Minutes are cut, not rounded, from
@@ -114,6 +129,20 @@ struct SkyObject
 };
 
 SkyObject MakeSkyObject(const Hms& ra, const Dms& dec);
+
+// RiseSet's steps up to the local sidereal times of rising and setting, for any horizon.
+// Given: object; sinPhi, cosPhi of the latitude; D the horizon's vertical displacement,
+// radians (RiseSet's is 34 arc minutes).
+// Returned: status as RiseSet's; for status 0, LR and LS, the local sidereal times of
+// rising and setting, hours, brought into 0 to 24.
+struct RiseSetSidereal
+{
+    float status = 0;
+    double LR = 0;
+    double LS = 0;
+};
+RiseSetSidereal RiseSetSiderealTimes(const SkyObject& object, double sinPhi, double cosPhi,
+                                     double D, FaultSink& faults);
 
 // What CalcHourAngle (flag false) and RiseSet take from the clock.
 struct SkyPlan
@@ -176,7 +205,7 @@ BestTimePlan MakeBestTimePlan(const ObservingClock& clock, const Clock& computer
 BestTime FindBestTimeToObserve(const BestTimePlan& plan, const Hms& ra, const Dms& dec,
                                FaultSink& faults);
 
-struct Equatorial
+struct PrecessedPosition
 {
     Hms ra;
     Dms dec; // sign pushed into the first non-zero field
@@ -187,8 +216,8 @@ struct Equatorial
 // Status: a target text that is not a number reports "Type mismatch", an epoch or target year
 // outside 16 bits "Overflow"; the position comes back unchanged.
 // Location: Module1.Precession
-Equatorial Precession(std::string_view year, std::string_view month, std::string_view day,
-                      const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults);
+PrecessedPosition Precession(std::string_view year, std::string_view month, std::string_view day,
+                             const Hms& ra, const Dms& dec, double epochYear, FaultSink& faults);
 
 // What Precession takes from its target date, worked out once for a list of objects, and the
 // rates for the epoch most of them share.
@@ -209,8 +238,8 @@ PrecessionPlan MakePrecessionPlan(std::string_view year, std::string_view month,
 // Precession(year, month, day, ra, dec, epochYear, faults) for the plan's target date, faults
 // included.
 // Location: Module1.Precession
-Equatorial Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
-                      double epochYear, FaultSink& faults);
+PrecessedPosition Precession(const PrecessionPlan& plan, const Hms& ra, const Dms& dec,
+                             double epochYear, FaultSink& faults);
 
 // Angular separation in degrees of two positions.
 // Notes: a triple is negative when its first field is; the other fields keep their own signs.

@@ -1,6 +1,8 @@
 #include "astro/Text.h"
 
+#include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <cstring>
 
 // Conversions use <charconv>, never strtod or printf: those follow the process locale, which the
@@ -242,6 +244,39 @@ std::size_t TwoDigits(int n, char* buffer)
         buffer[len++] = '0';
     len = static_cast<std::size_t>(std::to_chars(buffer + len, buffer + len + 12, n).ptr - buffer);
     return len;
+}
+
+std::string FixedText(double x, int intDigits, int decimals)
+{
+    const bool negative = x < 0;
+    const double r = std::fabs(RoundPlaces(x, decimals));
+    char digits[400];
+    const auto result =
+        std::to_chars(digits, digits + sizeof digits, r, std::chars_format::fixed, decimals);
+    const std::string_view text(digits, static_cast<std::size_t>(result.ptr - digits));
+    const std::size_t point = text.find('.');
+    const int integerDigits =
+        static_cast<int>(point == std::string_view::npos ? text.size() : point);
+    std::string out;
+    if (negative)
+        out += '-';
+    out.append(static_cast<std::size_t>(std::max(0, intDigits - integerDigits)), '0');
+    // A pattern with no "0" before the point writes no leading zero (".5").
+    if (intDigits == 0 && text.substr(0, integerDigits) == "0")
+        out.append(text.substr(1));
+    else
+        out.append(text);
+    return out;
+}
+
+std::string OptionalDigitsText(double x, int decimals)
+{
+    std::string text = FixedText(x, 0, decimals);
+    if (decimals == 0)
+        text += '.';
+    while (text.back() == '0')
+        text.pop_back();
+    return text;
 }
 
 } // namespace astro

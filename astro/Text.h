@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace astro {
@@ -43,6 +44,16 @@ double ThroughText(double x);
 // x rounded to a number of decimal places, halves away from zero, decided on its 15-digit
 // decimal form (so 1.005 rounds to 1.01 as it reads, not as it is stored).
 double RoundPlaces(double x, int places);
+
+// x as the fixed number patterns write it: intDigits "0" placeholders before the point and
+// decimals after it ("00", "00.00", "0.0000"): rounded as RoundPlaces rounds, padded with
+// zeros to intDigits integer digits, "-" kept on a negative value that rounds to 0.
+std::string FixedText(double x, int intDigits, int decimals);
+
+// x as the patterns of "#" placeholders write it ("###.#", "###.####"): no leading zero,
+// decimals rounded as RoundPlaces rounds and then their trailing zeros dropped, the point kept
+// (5 reads "5.", 0.5 ".5", -1.35114 "-1.3511").
+std::string OptionalDigitsText(double x, int decimals);
 
 // Writes the whole number n (0-99 expected) as at least two digits; returns the length.
 std::size_t TwoDigits(int n, char* buffer);

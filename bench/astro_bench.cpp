@@ -122,7 +122,8 @@ void BM_Precession(benchmark::State& state)
 void BM_RowOfTheList(benchmark::State& state)
 {
     PerObject(state, [](const auto& clock, const auto& computer, const Object& o, auto& faults) {
-        const astro::Equatorial p = astro::Precession("2024", "3", "15", o.ra, o.dec, 2000, faults);
+        const astro::PrecessedPosition p =
+            astro::Precession("2024", "3", "15", o.ra, o.dec, 2000, faults);
         const astro::Hms ha = astro::CalcHourAngle(clock, computer, p.ra, false, faults);
         benchmark::DoNotOptimize(astro::CalcAltAzm(clock, ha, p.dec, faults));
         benchmark::DoNotOptimize(astro::RiseSet(clock, computer, p.ra, p.dec, faults));

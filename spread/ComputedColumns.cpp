@@ -130,7 +130,7 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
     astro::Hms ra{position.raHours, position.raMinutes, position.raSeconds};
     astro::Dms dec{position.decDegrees, position.decMinutes, position.decSeconds};
     if (options.precess) {
-        const astro::Equatorial precessed =
+        const astro::PrecessedPosition precessed =
             astro::Precession(options.precession, ra, dec, epochYear, rowFaults);
         if (cutShort())
             return;
@@ -167,18 +167,9 @@ void ComputeColumns(const RowOptions& options, const astro::ObservingClock& cloc
         const astro::RiseSetTimes times = astro::RiseSet(plans->sky, object, rowFaults);
         if (rowFaults.faulted)
             return;
-        if (times.status == -1) {
-            computed.rise.Assign("CPolar");
-        } else if (times.status == 1) {
-            computed.rise.Assign("*Never");
-            computed.set.Assign("Rises*");
-        } else if (times.status == 2) {
-            computed.rise.Assign("*Can't");
-            computed.set.Assign("Calc*");
-        } else {
-            computed.rise.Assign(times.riseTime);
-            computed.set.Assign(times.setTime);
-        }
+        const astro::RiseSetShown shown = astro::ShownRiseSet(times);
+        computed.rise.Assign(shown.rise);
+        computed.set.Assign(shown.set);
     }
 }
 

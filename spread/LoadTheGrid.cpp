@@ -354,24 +354,6 @@ RowOptions OptionsFrom(const data::Preferences& p, bool planLoad)
     return o;
 }
 
-astro::ObservingClock ClockFrom(const data::Preferences& p)
-{
-    astro::ObservingClock c;
-    c.UseRealTime = p.UseRealTime;
-    // The observing date is kept in the regional short form; the astronomy routines take it
-    // as YYYY-MM-DD. A text that is no date passes as it is (blank means today).
-    c.PDate = p.PDate;
-    if (const auto date = services::vb::ParseDate(p.PDate, data::RegionalOf(p)))
-        c.PDate = date->toString(Qt::ISODate).toStdString();
-    c.Ptime = p.Ptime;
-    c.Plat = p.Plat;
-    c.Plon = p.PLon;
-    c.PTz = p.PTz;
-    c.PStd = p.PStd;
-    c.timesAMPM = p.timesAMPM;
-    return c;
-}
-
 bool LoggedInLogbook(data::Database& logbook, std::string_view objectId)
 {
     data::Recordset rs = logbook.OpenRecordset(
@@ -421,6 +403,24 @@ void BuildSql(AppState& TMM, const GridLoad& load)
 }
 
 } // namespace
+
+astro::ObservingClock ClockFrom(const data::Preferences& p)
+{
+    astro::ObservingClock c;
+    c.UseRealTime = p.UseRealTime;
+    // The observing date is kept in the regional short form; the astronomy routines take it
+    // as YYYY-MM-DD. A text that is no date passes as it is (blank means today).
+    c.PDate = p.PDate;
+    if (const auto date = services::vb::ParseDate(p.PDate, data::RegionalOf(p)))
+        c.PDate = date->toString(Qt::ISODate).toStdString();
+    c.Ptime = p.Ptime;
+    c.Plat = p.Plat;
+    c.Plon = p.PLon;
+    c.PTz = p.PTz;
+    c.PStd = p.PStd;
+    c.timesAMPM = p.timesAMPM;
+    return c;
+}
 
 LoadMode ParseLoadMode(std::string_view mode)
 {

@@ -24,6 +24,10 @@ enum class LoadMode
 };
 LoadMode ParseLoadMode(std::string_view mode);
 
+// The observing clock and site of the settings, the date as YYYY-MM-DD when it reads as one in
+// the regional short form.
+astro::ObservingClock ClockFrom(const data::Preferences& p);
+
 inline constexpr const char* OneQueryText =
     "Please wait or cancel the existing query first.  Only one Query can be run at a time";
 inline constexpr const char* OneQueryTitle = "Invalid Usage";

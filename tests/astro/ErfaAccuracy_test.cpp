@@ -163,7 +163,7 @@ TEST(ErfaAccuracy, LowOrderPrecession)
         const astro::Sexagesimal r = astro::ConvertFromDecimal(ra);
         const astro::Dms d = astro::SignPush(astro::ConvertFromDecimal(dec));
         const std::string year = std::to_string(target);
-        const astro::Equatorial p =
+        const astro::PrecessedPosition p =
             astro::Precession(year, "1", "1", {r.degrees, r.minutes, r.seconds}, d, epoch, faults);
 
         // IAU 1976 between the same two dates (January 1.0).

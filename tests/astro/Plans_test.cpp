@@ -287,9 +287,9 @@ TEST(PrecessionPlan, SameAsThePlainRoutineForEveryEpochAndTarget)
             for (const Object& object : objects) {
                 RecordingFaults plainFaults;
                 RecordingFaults planFaults;
-                const astro::Equatorial plain = astro::Precession(
+                const astro::PrecessedPosition plain = astro::Precession(
                     t.year, t.month, t.day, object.ra, object.dec, epoch, plainFaults);
-                const astro::Equatorial planned =
+                const astro::PrecessedPosition planned =
                     astro::Precession(plan, object.ra, object.dec, epoch, planFaults);
                 EXPECT_EQ(Faults(planFaults.reports), Faults(plainFaults.reports));
                 // Bit for bit (NaN-safe): the grid shows these fields.

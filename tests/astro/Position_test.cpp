@@ -422,7 +422,7 @@ TEST(Precession, DatesEpochsAndFaults)
     const Hms ra{9, 10, 43};
     const Dms dec{14, 23, 25};
     // To January 1 of the epoch year nothing moves.
-    astro::Equatorial same = astro::Precession("1950", "1", "1", ra, dec, 1950.0, faults);
+    astro::PrecessedPosition same = astro::Precession("1950", "1", "1", ra, dec, 1950.0, faults);
     EXPECT_EQ(same.ra.hours, 9);
     EXPECT_EQ(same.ra.minutes, 10);
     EXPECT_NEAR(same.ra.seconds, 43, 1e-9);
@@ -430,7 +430,8 @@ TEST(Precession, DatesEpochsAndFaults)
 
     // Fifty years of general precession: about 3.07 + 1.34 sin(a) tan(d) seconds of time and
     // 20.04 cos(a) arc seconds a year.
-    const astro::Equatorial moved = astro::Precession("2000", "1", "1", ra, dec, 1950.0, faults);
+    const astro::PrecessedPosition moved =
+        astro::Precession("2000", "1", "1", ra, dec, 1950.0, faults);
     const double a = (9 + 10 / 60.0 + 43 / 3600.0) * 15 * M_PI / 180;
     const double d = (14 + 23 / 60.0 + 25 / 3600.0) * M_PI / 180;
     EXPECT_NEAR((Hours(moved.ra) - Hours(ra)) * 3600,
@@ -450,7 +451,7 @@ TEST(Precession, DatesEpochsAndFaults)
 
     // Right ascension wraps at 24 hours; a small southern declination (moved 16' north by
     // fifty years at 0h) keeps its sign in the minutes.
-    const astro::Equatorial wrapped =
+    const astro::PrecessedPosition wrapped =
         astro::Precession("2050", "1", "1", {23, 59, 59.9}, {0, -30, 0}, 2000, faults);
     EXPECT_EQ(wrapped.ra.hours, 0);
     EXPECT_EQ(wrapped.dec.degrees, 0);
@@ -471,7 +472,7 @@ TEST(Precession, DatesEpochsAndFaults)
     for (const Row& row : rows) {
         SCOPED_TRACE(row.year);
         RecordingFaults bad;
-        const astro::Equatorial kept =
+        const astro::PrecessedPosition kept =
             astro::Precession(row.year, "1", "1", ra, dec, row.epoch, bad);
         EXPECT_EQ(kept.ra.seconds, ra.seconds);
         EXPECT_EQ(kept.dec.minutes, dec.minutes);
