@@ -160,17 +160,26 @@ void AppendNumber(std::string& out, double x)
 
 } // namespace
 
-std::string LongitudeText(double degrees)
+namespace {
+
+// Degrees plain, the degree sign, minutes "00", "'", seconds "00.0" and '"'.
+void AppendDegreesMinutesSeconds(std::string& out, const Sexagesimal& s)
 {
-    degrees -= 360 * std::floor(degrees / 360);
-    const Sexagesimal s = ConvertFromDecimal(degrees);
-    std::string out;
     AppendNumber(out, s.degrees);
     out += kDegreeSign;
     out += FixedText(s.minutes, 2, 0);
     out += '\'';
     out += FixedText(s.seconds, 2, 1);
     out += '"';
+}
+
+} // namespace
+
+std::string LongitudeText(double degrees)
+{
+    degrees -= 360 * std::floor(degrees / 360);
+    std::string out;
+    AppendDegreesMinutesSeconds(out, ConvertFromDecimal(degrees));
     return out;
 }
 
@@ -178,12 +187,7 @@ std::string SignedAngleText(double degrees)
 {
     const Sexagesimal s = ConvertFromDecimal(degrees);
     std::string out(1, s.sign);
-    AppendNumber(out, s.degrees);
-    out += kDegreeSign;
-    out += FixedText(s.minutes, 2, 0);
-    out += '\'';
-    out += FixedText(s.seconds, 2, 1);
-    out += '"';
+    AppendDegreesMinutesSeconds(out, s);
     return out;
 }
 
