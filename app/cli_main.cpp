@@ -10,7 +10,8 @@
 // Open Astronomy Log file), logspread (the log view), logsearch (the logbook search), export
 // (the export keys on tab 0), planets (the planets for the observing clock), earth (the
 // Earth of the high-precision series), sun, moon and moonphases YEAR (the Sun and the Moon for
-// the observing clock, the year's phases).
+// the observing clock, the year's phases), ephem (a comet's or asteroid's places at even steps
+// of time).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -18,6 +19,7 @@
 #include "app/CliOptions.h"
 #include "app/ConstellationCommand.h"
 #include "app/EquipmentCommand.h"
+#include "app/EphemCommand.h"
 #include "app/ExportCommand.h"
 #include "app/GridCommand.h"
 #include "app/ImportJetCommand.h"
@@ -209,6 +211,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunMoonPhasesCommand(args, TMM.ui, std::cout);
           },
           app::MoonPhasesUsage}},
+        {"ephem",
+         {app::CheckEphemArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunEphemCommand(TMM, args, std::cout);
+          },
+          app::EphemUsage}},
     };
     return commands;
 }

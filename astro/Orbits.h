@@ -84,10 +84,12 @@ struct GeoPlace
     double dec = 0;   // radians
     double delta = 0; // AU
 };
+// Given: place, the caller's values, which a fault leaves as they stood (distance and right
+//   ascension are set before the declination).
 // Status: a zero distance reports "Division by zero", a declination of exactly +-90 degrees
 //   asin's "Division by zero" (at Module2.asin; the declination is then 0).
 // Location: Module2.RectHelioToGeo
-GeoPlace RectHelioToGeo(const Rect& sun, const Rect& body, FaultSink& faults);
+void RectHelioToGeo(const Rect& sun, const Rect& body, GeoPlace& place, FaultSink& faults);
 
 // The Sun's geocentric rectangular coordinates (FK5, J2000.0) at T from the loaded series.
 // Location: Module2.SunRectCo
