@@ -11,13 +11,14 @@
 // (the export keys on tab 0), planets (the planets for the observing clock), earth (the
 // Earth of the high-precision series), sun, moon and moonphases YEAR (the Sun and the Moon for
 // the observing clock, the year's phases), ephem (a comet's or asteroid's places at even steps
-// of time).
+// of time), elements (comet and asteroid elements imported into AstComet.mdb).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/BackupCommand.h"
 #include "app/CliOptions.h"
 #include "app/ConstellationCommand.h"
+#include "app/ElementsCommand.h"
 #include "app/EquipmentCommand.h"
 #include "app/EphemCommand.h"
 #include "app/ExportCommand.h"
@@ -218,6 +219,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunEphemCommand(TMM, args, std::cout);
           },
           app::EphemUsage}},
+        {"elements",
+         {app::CheckElementsArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunElementsCommand(TMM.dir, TMM.ui, args, std::cout);
+          },
+          app::ElementsUsage}},
     };
     return commands;
 }
