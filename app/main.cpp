@@ -1,6 +1,7 @@
 // selvane: the program with its windows.
 
 #include "app/BackupWiring.h"
+#include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
 #include "app/SolarSystemWiring.h"
 #include "data/Preferences.h"
@@ -75,6 +76,7 @@ int main(int argc, char* argv[])
     app::WireLogbook(window, state, ui, clock, state.current);
     app::WireBackup(window, state, clock);
     app::WireSolarSystem(window, state, ui, clock);
+    app::WireComets(window, state, ui, clock);
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)
