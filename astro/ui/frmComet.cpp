@@ -146,8 +146,12 @@ frmComet::frmComet(SolarContext context, const std::string& mode, QWidget* paren
     lstNames->setMinimumWidth(240);
     names->addWidget(txtFilter);
     names->addWidget(lstNames);
-    connect(txtFilter, &QLineEdit::textChanged, filtered_,
-            &QSortFilterProxyModel::setFilterFixedString);
+    // Typing narrows the list; when the chosen name drops out, the first one left is chosen.
+    connect(txtFilter, &QLineEdit::textChanged, this, [this](const QString& text) {
+        filtered_->setFilterFixedString(text);
+        if (!lstNames->currentIndex().isValid() && filtered_->rowCount() > 0)
+            lstNames->setCurrentIndex(filtered_->index(0, 0));
+    });
     connect(lstNames->selectionModel(), &QItemSelectionModel::currentChanged, this,
             [this] { ShowElements(); });
 

@@ -49,7 +49,6 @@ public:
 
     // The table as Copy and Save write it: a header line, then a line a step.
     std::string EphemerisText() const;
-    bool IsComet() const { return comet_; }
 
     QLineEdit* txtFilter = nullptr;
     QListView* lstNames = nullptr;

@@ -216,8 +216,8 @@ TEST(frmComet, FilterNarrowsTheListAndShowsTheElements)
         EXPECT_EQ(Screen::Names(comets), row.names);
     }
 
+    // The one name left is chosen.
     comets.txtFilter->setText("pons");
-    Screen::Choose(comets, "12P/Pons-Brooks");
     const char* cometElements[] = {"2024-04-21.14", "0.7808", "0.9546", "74.19", "255.86",
                                    "198.99",        "5",      "7.5",    "2000"};
     ASSERT_EQ(comets.lblElement.size(), std::size(cometElements));
