@@ -6,10 +6,10 @@
 
 #include <QDate>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <fstream>
-#include <iterator>
 
 namespace data {
 
@@ -241,6 +241,7 @@ template <class Row, class ReadRow>
 std::string ReadRows(const std::vector<std::string_view>& lines, std::size_t first,
                      std::string_view fileName, std::vector<Row>& rows, ReadRow readRow)
 {
+    rows.reserve(lines.size() - std::min(first, lines.size()));
     for (std::size_t n = first; n < lines.size(); ++n) {
         if (Strip(lines[n]).empty())
             continue;
@@ -265,9 +266,14 @@ std::optional<std::string> ReadFileBytes(const std::filesystem::path& file)
     std::error_code error;
     if (!std::filesystem::is_regular_file(file, error))
         return std::nullopt;
+    const auto size = std::filesystem::file_size(file, error);
     std::ifstream in(file, std::ios::binary);
-    std::string bytes(std::istreambuf_iterator<char>(in), {});
-    if (!in.good() && !in.eof())
+    if (error || !in)
+        return std::nullopt;
+    // A full MPCORB.DAT is some 300 MB: read it in one piece.
+    std::string bytes(size, '\0');
+    in.read(bytes.data(), static_cast<std::streamsize>(size));
+    if (in.bad() || static_cast<std::uintmax_t>(in.gcount()) != size)
         return std::nullopt;
     return bytes;
 }
