@@ -23,6 +23,8 @@ struct CometRow
     std::optional<double> Mag; // absolute magnitude H
     std::optional<double> K;   // magnitude slope
     double EPOCH = 2000;       // equinox of the elements
+
+    bool operator==(const CometRow&) const = default;
 };
 
 // A row of Asteroids.
@@ -34,6 +36,8 @@ struct AsteroidRow
     double a = 0, e = 0, i = 0, M = 0, Node = 0, omega = 0;
     std::optional<double> g; // absolute magnitude H
     std::optional<double> h; // slope parameter G
+
+    bool operator==(const AsteroidRow&) const = default;
 };
 
 enum class MinorBodyKind
