@@ -266,10 +266,13 @@ public:
         };
         link->changed.wait_until(lock, deadline, [&] { return link->lost || connection(); });
         if (link->lost)
-            throw Lost("the connection");
+            throw Lost("while connecting " + address_.device);
         if (!connection())
             throw TelescopeError("The INDI server at " + server_ + " has no device \"" +
                                  address_.device + "\"");
+        // Only an answer to this client's request counts: the device may still show the Alert of
+        // an earlier attempt.
+        const unsigned long connectionAtSend = connection()->updates;
         if (!connection()->Switch("CONNECT").value_or(false)) {
             lock.unlock();
             link->SendSwitches(address_.device, "CONNECTION",
@@ -278,13 +281,15 @@ public:
         }
         const auto ready = [&] {
             const Vector* on = connection();
-            return link->lost || !on || on->state == IPS_ALERT ||
+            return link->lost || !on ||
+                   (on->state == IPS_ALERT && on->updates > connectionAtSend) ||
                    (on->Switch("CONNECT").value_or(false) && vectors()->contains(kEod));
         };
         link->changed.wait_until(lock, deadline, ready);
         if (link->lost)
-            throw Lost("the connection");
-        if (!connection() || connection()->state == IPS_ALERT)
+            throw Lost("while connecting " + address_.device);
+        if (!connection() ||
+            (connection()->state == IPS_ALERT && connection()->updates > connectionAtSend))
             throw TelescopeError(device_ + " could not be connected");
         if (!ready())
             throw TelescopeError(device_ + " did not offer " + kEod + " within 10 s");
@@ -342,7 +347,7 @@ public:
         for (;;) {
             link.changed.wait_for(lock, kPollInterval);
             if (link.lost)
-                throw Lost("the slew");
+                throw Lost("during the slew");
             const DeviceVectors& vectors = link.devices[address_.device];
             const auto eod = vectors.find(kEod);
             if (eod == vectors.end())
@@ -364,7 +369,7 @@ public:
             }
             const bool late = Clock::now() >= deadline;
             lock.unlock();
-            if (late || !keepGoing || !keepGoing()) {
+            if (late || (keepGoing && !keepGoing())) {
                 StopMotion();
                 throw TelescopeError(late ? "The slew of " + device_ + " did not end within 180 s"
                                           : std::string("The slew was stopped"));
@@ -406,7 +411,7 @@ public:
                    (eod->second.updates > updatesAtSend && holdsTarget(eod->second));
         });
         if (link.lost)
-            throw Lost("the sync");
+            throw Lost("during the sync");
         const DeviceVectors& vectors = link.devices[address_.device];
         const auto eod = vectors.find(kEod);
         if (!answered || eod == vectors.end() || eod->second.state == IPS_ALERT)
@@ -470,9 +475,9 @@ public:
     void Unpark() override { SendPark(false); }
 
 private:
-    TelescopeError Lost(const std::string& during) const
+    TelescopeError Lost(const std::string& when) const
     {
-        return TelescopeError("The connection to " + server_ + " was lost during " + during);
+        return TelescopeError("The connection to " + server_ + " was lost " + when);
     }
 
     // A copy of a vector of the device; nothing when the device lacks it. Throws when not
@@ -483,7 +488,7 @@ private:
             throw TelescopeError(device_ + " is not connected");
         std::lock_guard lock(link_->mutex);
         if (link_->lost)
-            throw Lost(during);
+            throw Lost("during " + during);
         const DeviceVectors& vectors = link_->devices[address_.device];
         auto found = vectors.find(property);
         if (found == vectors.end())

@@ -228,11 +228,14 @@ TEST_F(IndiTelescopeTest, ParkedMountRefusesTheSlew)
                           0),
               0u)
         << error;
+    // The device's own warning follows the guess.
+    EXPECT_NE(error.find("Telescope Simulator said: Please unpark the mount"), std::string::npos)
+        << error;
 
     scope->Unpark();
     for (int i = 0; i < 100 && simulator.Get("TELESCOPE_PARK.UNPARK")["UNPARK"] != "On"; ++i)
         std::this_thread::sleep_for(std::chrono::milliseconds(50));
-    scope->SlewToTarget([] { return true; });
+    scope->SlewToTarget({}); // no keepGoing: the slew runs to its end
     EXPECT_NEAR(scope->Declination(), 10.5, 1e-6);
 }
 
