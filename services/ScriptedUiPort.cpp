@@ -78,6 +78,18 @@ void ScriptedUiPort::Busy(BusyKind)
     pumps = 0;
 }
 
+void ScriptedUiPort::BusyMessage(const std::string& kind, const std::string& text)
+{
+    Message m;
+    m.kind = kind;
+    m.Title = TitleForKind(kind);
+    m.ShortMessage = text;
+    busyMessages.push_back(m);
+    if (echo)
+        std::cerr << "[" << kind << "] " << text << ": \n";
+    Busy(BusyKind::Working);
+}
+
 void ScriptedUiPort::EndBusy()
 {
     busy = false;

@@ -35,6 +35,7 @@ public:
     std::vector<Shown> shown;
     std::vector<std::string> asked; // the questions, in order
     std::vector<std::string> spoken;
+    std::vector<Message> busyMessages; // BusyMessage's kind and text (as ShortMessage)
     int pumps = 0;
     int progressMax = 0;
     int progressPos = 0;
@@ -50,6 +51,7 @@ public:
     std::string InputBox(const std::string& prompt, const std::string& title,
                          const std::string& defaultText) override;
     void Busy(BusyKind kind) override;
+    void BusyMessage(const std::string& kind, const std::string& text) override;
     void EndBusy() override;
     void Progress(int max) override;
     void Step(int pos) override;

@@ -27,6 +27,11 @@ void UiPort::ShowMessage(const std::string& text, const std::string& title,
     DisplayMessage(m);
 }
 
+void UiPort::BusyMessage(const std::string&, const std::string&)
+{
+    Busy(BusyKind::Working);
+}
+
 void UiPort::ReportFault(const std::string& message, const std::string& location)
 {
     Message m;

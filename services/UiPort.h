@@ -50,6 +50,11 @@ public:
                                  const std::string& defaultText) = 0;
 
     virtual void Busy(BusyKind kind) = 0;
+    // The message window shown without waiting, as a busy window with a kind of its own ("10"
+    // while a mount slews, "8" while its position is read) and one line of text at 12 points.
+    // EndBusy closes it; a click on it makes Pump() report a cancel. By default the busy window
+    // of BusyKind::Working.
+    virtual void BusyMessage(const std::string& kind, const std::string& text);
     virtual void EndBusy() = 0;
     virtual void Progress(int max) = 0;
     virtual void Step(int pos) = 0;
