@@ -184,6 +184,8 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
 
     visit("DriverType", "DriverType", p.DriverType, S("ASCOM"));
     visit("telescopetype", "telescopetype", p.telescopetype, S());
+    visit("indiserver", "indiserver", p.indiserver, S("127.0.0.1:7624"));
+    visit("alpacadiscovery", "alpacadiscovery", p.alpacadiscovery, S("255.255.255.255:32227"));
     visit("Comport", "Comport", p.Comport, S());
     visit("ScopeDelay1", "ScopeDelay1", p.ScopeDelay1, 3);
     visit("LX200Delay", "LX200Delay", p.LX200Delay, 0);

@@ -76,6 +76,10 @@ struct Preferences
     // Telescope.
     std::string DriverType = "ASCOM";
     std::string telescopetype;
+    // Where the chooser looks for telescopes: an indiserver, and the address Alpaca discovery
+    // is sent to.
+    std::string indiserver = "127.0.0.1:7624";
+    std::string alpacadiscovery = "255.255.255.255:32227";
     std::string Comport;
     int ScopeDelay1 = 3;
     int LX200Delay = 0;
