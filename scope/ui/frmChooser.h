@@ -3,7 +3,7 @@
 // indiserver, the Alpaca telescopes answering discovery at alpacadiscovery) and an identifier
 // that can be typed. Its answer becomes the setting telescopetype.
 
-#include "scope/Telescope.h"
+#include "scope/Discovery.h"
 
 #include <QDialog>
 
@@ -17,13 +17,6 @@ class QListWidget;
 class QPushButton;
 
 namespace scope::ui {
-
-// What a search found: the devices, and a line for each place that did not answer.
-struct Discovery
-{
-    std::vector<DeviceEntry> devices;
-    std::vector<std::string> problems;
-};
 
 class frmChooser : public QDialog
 {

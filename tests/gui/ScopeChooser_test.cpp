@@ -14,7 +14,7 @@
 
 namespace {
 
-using scope::ui::Discovery;
+using scope::Discovery;
 using scope::ui::frmChooser;
 
 // Runs action on the chooser once it is shown modally.
