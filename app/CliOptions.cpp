@@ -1,5 +1,7 @@
 #include "app/CliOptions.h"
 
+#include <charconv>
+
 #include "data/PreferenceRules.h"
 
 #include <QLocale>
@@ -58,6 +60,14 @@ CliOptions ParseCliOptions(const std::vector<std::string>& args)
     if (o.error.empty() && o.command.empty())
         o.error = "no command given";
     return o;
+}
+
+std::string FixedDecimals(double x, int decimals)
+{
+    char buffer[400];
+    return {
+        buffer,
+        std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, decimals).ptr};
 }
 
 } // namespace app

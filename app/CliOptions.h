@@ -26,4 +26,8 @@ struct CliOptions
 // the store; so is a missing command. The values are kept as the rule keeps them.
 CliOptions ParseCliOptions(const std::vector<std::string>& args);
 
+// x as "%.Nf" writes it with decimals places, whatever the process locale: the commands'
+// printed numbers.
+std::string FixedDecimals(double x, int decimals);
+
 } // namespace app

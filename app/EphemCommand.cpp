@@ -1,5 +1,7 @@
 #include "app/EphemCommand.h"
 
+#include "app/CliOptions.h"
+
 #include "astro/Text.h"
 #include "data/MinorBodies.h"
 #include "services/Fault.h"
@@ -28,8 +30,7 @@ struct EphemRequest
 
 bool AllDigits(std::string_view text)
 {
-    return !text.empty() &&
-           text.find_first_not_of("0123456789") == std::string_view::npos;
+    return !text.empty() && text.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 int Number(std::string_view digits)
@@ -39,17 +40,14 @@ int Number(std::string_view digits)
     return n;
 }
 
-bool IsLeapYear(int y)
+// A real calendar date of the years 1 to 9999 (as the observing date reads it) and a time of day.
+bool ValidDateTime(std::string_view year, std::string_view month, std::string_view day, int hour,
+                   int minute)
 {
-    return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0;
-}
-
-// A real calendar date, hour and minute (years 1 to 9999).
-bool ValidDateTime(int year, int month, int day, int hour, int minute)
-{
-    static constexpr int days[] = {31, 29, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    return year >= 1 && month >= 1 && month <= 12 && day >= 1 && day <= days[month - 1] &&
-           (month != 2 || day <= 28 || IsLeapYear(year)) && hour <= 23 && minute <= 59;
+    return year != "0000" &&
+           astro::ParseObservingDate(std::string(year) + "-" + std::string(month) + "-" +
+                                     std::string(day)) &&
+           hour <= 23 && minute <= 59;
 }
 
 // The positional text YYYYMMDD[HH[MM[SS[.ss]]]] of a real date and time.
@@ -58,11 +56,14 @@ bool ValidPositionalDate(std::string_view text)
     const std::string_view whole = text.substr(0, text.find('.'));
     if (whole.size() < 8 || whole.size() > 14 || whole.size() % 2 != 0 || !AllDigits(whole))
         return false;
-    if (whole.size() < text.size() && (whole.size() != 14 || !AllDigits(text.substr(15)) ||
-                                       text.size() == 15))
+    if (whole.size() < text.size() &&
+        (whole.size() != 14 || !AllDigits(text.substr(15)) || text.size() == 15))
         return false;
-    auto field = [&](std::size_t at) { return at < whole.size() ? Number(whole.substr(at, 2)) : 0; };
-    return ValidDateTime(Number(whole.substr(0, 4)), field(4), field(6), field(8), field(10)) &&
+    auto field = [&](std::size_t at) {
+        return at < whole.size() ? Number(whole.substr(at, 2)) : 0;
+    };
+    return ValidDateTime(whole.substr(0, 4), whole.substr(4, 2), whole.substr(6, 2), field(8),
+                         field(10)) &&
            field(12) <= 59;
 }
 
@@ -157,8 +158,8 @@ EphemRequest ParseElements(const std::vector<std::string>& args)
     r.in.elementDate = args[2];
     r.in.start = args[15];
     const char* names[] = {"M", "E", "A", "Q", "I", "NODE", "PERI", "EQX"};
-    double* fields[] = {&r.in.M,    &r.in.e,    &r.in.a,    &r.in.q,
-                        &r.in.i,    &r.in.Node, &r.in.peri, &r.in.equinox};
+    double* fields[] = {&r.in.M, &r.in.e,    &r.in.a,    &r.in.q,
+                        &r.in.i, &r.in.Node, &r.in.peri, &r.in.equinox};
     for (std::size_t k = 0; k < 8; ++k) {
         const std::optional<double> value = astro::ParseNumber(args[3 + k]);
         if (!value)
@@ -198,16 +199,6 @@ EphemRequest ParseEphemArgs(const std::vector<std::string>& args)
     if (args.size() < 3)
         return Usage("ephem " + args[0] + " needs NAME and START");
     return ParseNamed(args);
-}
-
-// "%.Nf", whatever the process locale.
-void Fixed(std::ostream& out, double x, int decimals)
-{
-    char buffer[400];
-    out.write(buffer, std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed,
-                                    decimals)
-                              .ptr -
-                          buffer);
 }
 
 // The named row's elements into r.in (keeping its start and steps), and its stored name.
@@ -264,15 +255,10 @@ int RunEphemCommand(spread::AppState& TMM, const std::vector<std::string>& args,
     out << "Name\tDate\tRA\tDec\tDelta\tr\tMag\tElong\n";
     astro::EPHEM(r.in, TMM.dir.path, faults, faults, [&](const astro::EphemStep& s) {
         out << name << '\t' << spread::StepTimeText(s.jd) << '\t';
-        for (const double x : {s.ra, s.dec, s.delta, s.r}) {
-            Fixed(out, x, 6);
-            out << '\t';
-        }
-        if (s.mag)
-            Fixed(out, *s.mag, 2);
-        out << '\t';
-        Fixed(out, s.elongation, 0);
-        out << '\n';
+        for (const double x : {s.ra, s.dec, s.delta, s.r})
+            out << FixedDecimals(x, 6) << '\t';
+        out << (s.mag ? FixedDecimals(*s.mag, 2) : std::string()) << '\t'
+            << FixedDecimals(s.elongation, 0) << '\n';
     });
     out.flush();
     return faults.count > 0 ? 1 : 0;

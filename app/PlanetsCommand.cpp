@@ -1,13 +1,13 @@
 #include "app/PlanetsCommand.h"
 
+#include "app/CliOptions.h"
+
 #include "astro/PlanetaryTerms.h"
 #include "astro/Planets.h"
 #include "astro/Position.h"
 #include "astro/Text.h"
 #include "spread/LoadTheGrid.h"
 #include "spread/PortFaults.h"
-
-#include <charconv>
 
 namespace app {
 
@@ -17,14 +17,6 @@ namespace {
 int PlanetNumber(const std::string& text)
 {
     return text.size() == 1 && text[0] >= '1' && text[0] <= '8' ? text[0] - '0' : 0;
-}
-
-// "%.10f", whatever the process locale.
-std::string Fixed10(double x)
-{
-    char buffer[400];
-    return {buffer,
-            std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, 10).ptr};
 }
 
 } // namespace
@@ -88,8 +80,8 @@ int RunEarthCommand(spread::AppState& TMM, const std::vector<std::string>& args,
     out << "T\tL\tB\tR\n";
     for (const std::string& T : args) {
         const astro::HelioPlace earth = astro::PlPosHi(0, *astro::ParseNumber(T), faults);
-        out << T << '\t' << Fixed10(earth.L) << '\t' << Fixed10(earth.B) << '\t' << Fixed10(earth.R)
-            << '\n';
+        out << T << '\t' << FixedDecimals(earth.L, 10) << '\t' << FixedDecimals(earth.B, 10) << '\t'
+            << FixedDecimals(earth.R, 10) << '\n';
     }
     out.flush();
     return faults.count > 0 ? 1 : 0;
