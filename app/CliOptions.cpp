@@ -1,6 +1,7 @@
 #include "app/CliOptions.h"
 
 #include <charconv>
+#include <string_view>
 
 #include "data/PreferenceRules.h"
 
@@ -68,6 +69,52 @@ std::string FixedDecimals(double x, int decimals)
     return {
         buffer,
         std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, decimals).ptr};
+}
+
+
+std::optional<std::vector<std::string>> SplitShellWords(const std::string& line)
+{
+    std::vector<std::string> words;
+    std::string word;
+    bool inWord = false;
+    for (std::size_t i = 0; i < line.size(); ++i) {
+        const char c = line[i];
+        if (c == ' ' || c == '\t' || c == '\r' || c == '\n') {
+            if (inWord)
+                words.push_back(std::move(word));
+            word.clear();
+            inWord = false;
+            continue;
+        }
+        inWord = true;
+        if (c == '\\') {
+            if (++i >= line.size())
+                return std::nullopt;
+            word += line[i];
+        } else if (c == '\'') {
+            const std::size_t close = line.find('\'', i + 1);
+            if (close == std::string::npos)
+                return std::nullopt;
+            word += line.substr(i + 1, close - i - 1);
+            i = close;
+        } else if (c == '"') {
+            for (++i;; ++i) {
+                if (i >= line.size())
+                    return std::nullopt;
+                if (line[i] == '"')
+                    break;
+                if (line[i] == '\\' && i + 1 < line.size() &&
+                    std::string_view("\"\\$`").find(line[i + 1]) != std::string_view::npos)
+                    ++i;
+                word += line[i];
+            }
+        } else {
+            word += c;
+        }
+    }
+    if (inWord)
+        words.push_back(std::move(word));
+    return words;
 }
 
 } // namespace app

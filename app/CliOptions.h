@@ -1,6 +1,7 @@
 #pragma once
 // The command line of selvane-cli.
 
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -29,5 +30,11 @@ CliOptions ParseCliOptions(const std::vector<std::string>& args);
 // x as "%.Nf" writes it with decimals places, whatever the process locale: the commands'
 // printed numbers.
 std::string FixedDecimals(double x, int decimals);
+
+// Splits a line into words as a POSIX shell does for plain words: blanks separate, '...' keeps
+// everything literally, "..." keeps everything but \" \\ \$ \`, and a backslash outside quotes
+// keeps the next character.
+// Returned: nothing when a quote is left open or the line ends in a backslash.
+std::optional<std::vector<std::string>> SplitShellWords(const std::string& line);
 
 } // namespace app

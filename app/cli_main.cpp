@@ -11,7 +11,8 @@
 // (the export keys on tab 0), planets (the planets for the observing clock), earth (the
 // Earth of the high-precision series), sun, moon and moonphases YEAR (the Sun and the Moon for
 // the observing clock, the year's phases), ephem (a comet's or asteroid's places at even steps
-// of time), elements (comet and asteroid elements imported into AstComet.mdb).
+// of time), elements (comet and asteroid elements imported into AstComet.mdb), scope (the
+// telescope routines on the mount of telescopetype).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -31,6 +32,7 @@
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
 #include "app/SunMoonCommand.h"
+#include "app/ScopeCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -226,6 +228,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunElementsCommand(TMM.dir, TMM.ui, args, std::cout);
           },
           app::ElementsUsage}},
+        {"scope",
+         {app::CheckScopeArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunScopeCommand(TMM, start, args, std::cin, std::cout, clock);
+          },
+          app::ScopeUsage}},
     };
     return commands;
 }
