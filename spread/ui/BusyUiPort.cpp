@@ -90,6 +90,13 @@ void BusyUiPort::Busy(services::BusyKind kind)
     busy_ = true;
 }
 
+void BusyUiPort::BusyMessage(const std::string& kind, const std::string& text)
+{
+    Busy(services::BusyKind::Working);
+    const char* detail = kind == "10" ? "Click *Here* to stop the slew" : "Please Wait ...";
+    message_->SetTexts({text.c_str(), detail});
+}
+
 void BusyUiPort::EndBusy()
 {
     message_->hide();

@@ -49,6 +49,8 @@ public:
     void SetProgressBar(QProgressBar* bar) { progress_ = bar; }
 
     void Busy(services::BusyKind kind) override;
+    // The one-line message of a kind ("Slewing ..."); while a mount slews a click stops it.
+    void BusyMessage(const std::string& kind, const std::string& text) override;
     void EndBusy() override;
     void Progress(int max) override;
     void Step(int pos) override;
