@@ -25,9 +25,10 @@ inline constexpr const char* FirstRunSpeech =
 inline constexpr const char* EnableTelescopeCaption = "Enable The Telescope";
 
 // The telescope tools, disabled until a link is made.
-inline constexpr std::array<std::string_view, 10> TelescopeTools{
-    "identifyobject", "createtour", "lx200enable", "lx200cp", "csc",
-    "cspos",          "slideshow",  "sslococ",     "gotoobject", "sync",
+// Deliberate: the toggle lx200enable itself stays enabled, or no link could ever be made.
+inline constexpr std::array<std::string_view, 9> TelescopeTools{
+    "identifyobject", "createtour", "lx200cp",    "csc",  "cspos",
+    "slideshow",      "sslococ",    "gotoobject", "sync",
 };
 
 // What the start asks of the windows. Each hook is optional: a missing one is skipped, so

@@ -130,7 +130,7 @@ TEST_F(StartFixture, StepsInOrderEndWithTheMessierListWhateverTheFilters)
         "mnuFitsview shown",     "mnumoonrise hidden", "cartescharts hidden",
         "Cartes du Ciel hidden", "ChartsMain hidden",  "vso hidden",
         "vsoall hidden",         "identifyobject disabled", "createtour disabled",
-        "lx200enable disabled",  "lx200cp disabled",   "csc disabled",
+        "lx200cp disabled",      "csc disabled",
         "cspos disabled",        "slideshow disabled", "sslococ disabled",
         "gotoobject disabled",   "sync disabled",
     };
