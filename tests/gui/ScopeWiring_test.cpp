@@ -14,6 +14,8 @@
 #include "scope/ui/frmScopePanel.h"
 #include "scope/ui/frmScopePos.h"
 #include "spread/AppState.h"
+#include "spread/Grid.h"
+#include "spread/ui/GridModel.h"
 #include "spread/ui/frmMainScreen.h"
 
 #include "../scope/AlpacaServer.h"
@@ -142,6 +144,17 @@ TEST(ScopeWiring, ChooserToggleToolsPositionAndPanelAgainstTheSimulator)
         menu->hide();
     }
 
+    // Sync on the selected row's cells: the mount reads the row's place afterwards.
+    spread::Grid grid;
+    grid.AppendRow("\t\t\tM42\t\t\t05 35 17.3\t-05 23 28.0\t2000.0");
+    window.SetGrid(0, &grid);
+    window.SetCurrTab(0);
+    window.grdObject(0).setCurrentIndex(window.Model(0).index(0, 4));
+    ASSERT_EQ(window.SelectedRow(), 1);
+    window.ab_ToolClick("sync");
+    ASSERT_EQ(Titles(ui.shown), std::vector<std::string>{"Scope Aligned"});
+    ui.shown.clear();
+
     // The position window fills its four labels.
     window.ab_ToolClick("cspos");
     auto* position = window.findChild<scope::ui::frmScopePos*>("frmScopePos");
@@ -149,7 +162,8 @@ TEST(ScopeWiring, ChooserToggleToolsPositionAndPanelAgainstTheSimulator)
     EXPECT_EQ(position->windowTitle().toStdString(), simulator.Identifier() + " Current Position");
     for (QLabel* label : {position->lblRa, position->lblDec, position->lblAlt, position->lblAzm})
         EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
-    EXPECT_TRUE(position->lblRa->text().endsWith("s"));
+    EXPECT_TRUE(position->lblRa->text().startsWith("5h 35m 1")) << position->lblRa->text().toStdString();
+    EXPECT_TRUE(position->lblDec->text().startsWith("-5h 23m 2")) << position->lblDec->text().toStdString();
     Save(*position, "scope-position.png");
     EXPECT_TRUE(ui.shown.empty()) << ui.shown[0].LongMessage;
 
