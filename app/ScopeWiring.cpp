@@ -90,8 +90,8 @@ public:
         layer_.profileFile = state.settings.File();
         layer_.Choose = [this](const std::string& current) {
             if (!chooser_)
-                chooser_ = new scope::ui::frmChooser(
-                    [this] { return Discover(state_.prefs); }, &window_);
+                chooser_ =
+                    new scope::ui::frmChooser([this] { return Discover(state_.prefs); }, &window_);
             return chooser_->Choose(current);
         };
     }
@@ -222,7 +222,8 @@ ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, se
 {
     auto* link = new ScopeLink(window, state, ui, clock, speech);
     spread::CommandDispatcher& dispatcher = window.Dispatcher();
-    dispatcher.SetAction("lx200enable", [link] { scope::lx200enable(link->Context(), link->Menu()); });
+    dispatcher.SetAction("lx200enable",
+                         [link] { scope::lx200enable(link->Context(), link->Menu()); });
     dispatcher.SetAction("scopesetup", [link] { link->Setup(); });
     dispatcher.SetAction("lx200cp", [link] { link->ControlPanelProgram(); });
     dispatcher.SetAction("gotoobject", [link] { link->GotoObject(); });

@@ -86,12 +86,10 @@ QPushButton* frmScopePanel::MoveButton(const char* caption, const char* name, Di
     auto* button = new QPushButton(caption, this);
     button->setObjectName(name);
     button->setMinimumSize(56, 40);
-    connect(button, &QPushButton::pressed, this, [this, direction] {
-        PanelMove(s_, direction, true);
-    });
-    connect(button, &QPushButton::released, this, [this, direction] {
-        PanelMove(s_, direction, false);
-    });
+    connect(button, &QPushButton::pressed, this,
+            [this, direction] { PanelMove(s_, direction, true); });
+    connect(button, &QPushButton::released, this,
+            [this, direction] { PanelMove(s_, direction, false); });
     return button;
 }
 

@@ -114,7 +114,8 @@ TEST(ScopeWiring, ChooserToggleToolsPositionAndPanelAgainstTheSimulator)
         ASSERT_NE(chooser, nullptr);
         auto* list = chooser->findChild<QListWidget*>("lstDevices");
         listed = list->count() == 2;
-        EXPECT_EQ(list->count(), 2) << chooser->findChild<QLabel*>("lblStatus")->text().toStdString();
+        EXPECT_EQ(list->count(), 2)
+            << chooser->findChild<QLabel*>("lblStatus")->text().toStdString();
         for (int row = 0; row < list->count(); ++row)
             if (list->item(row)->text().startsWith("Telescope Simulator"))
                 list->setCurrentRow(row);
@@ -162,8 +163,10 @@ TEST(ScopeWiring, ChooserToggleToolsPositionAndPanelAgainstTheSimulator)
     EXPECT_EQ(position->windowTitle().toStdString(), simulator.Identifier() + " Current Position");
     for (QLabel* label : {position->lblRa, position->lblDec, position->lblAlt, position->lblAzm})
         EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
-    EXPECT_TRUE(position->lblRa->text().startsWith("5h 35m 1")) << position->lblRa->text().toStdString();
-    EXPECT_TRUE(position->lblDec->text().startsWith("-5h 23m 2")) << position->lblDec->text().toStdString();
+    EXPECT_TRUE(position->lblRa->text().startsWith("5h 35m 1"))
+        << position->lblRa->text().toStdString();
+    EXPECT_TRUE(position->lblDec->text().startsWith("-5h 23m 2"))
+        << position->lblDec->text().toStdString();
     Save(*position, "scope-position.png");
     EXPECT_TRUE(ui.shown.empty()) << ui.shown[0].LongMessage;
 

@@ -131,8 +131,8 @@ TEST_F(ScopePanelTest, ParkedMountRefusesTheGotoUntilUnparked)
     EXPECT_FALSE(state.Scope);
 
     ASSERT_TRUE(scope::PanelUnpark(s));
-    ASSERT_TRUE(Eventually(
-        [&] { return simulator.Get("TELESCOPE_PARK.UNPARK")["UNPARK"] == "On"; }));
+    ASSERT_TRUE(
+        Eventually([&] { return simulator.Get("TELESCOPE_PARK.UNPARK")["UNPARK"] == "On"; }));
     scope::SolarSystemGoto(s, {6, 0, 0}, {10, 0, 0});
     EXPECT_EQ(Faults().size(), 1u);
     EXPECT_NEAR(Declination(), 10.0, 1e-6);
