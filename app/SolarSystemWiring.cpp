@@ -28,8 +28,9 @@ class SolarSystemLink : public QObject
 {
 public:
     SolarSystemLink(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                    const astro::Clock& clock)
-        : QObject(&window), window_(window), state_(state), clock_(clock), faults_(ui), ui_(ui)
+                    const astro::Clock& clock, astro::ui::TelescopeGoto telescopeGoto)
+        : QObject(&window), window_(window), state_(state), clock_(clock), faults_(ui), ui_(ui),
+          goto_(std::move(telescopeGoto))
     {
     }
     ~SolarSystemLink() override
@@ -40,15 +41,19 @@ public:
 
     void OpenSun()
     {
-        if (!sun_)
+        if (!sun_) {
             sun_ = new astro::ui::frmSun(ui_, faults_, clock_, &window_);
+            sun_->SetGoto(goto_);
+        }
         sun_->Open(spread::ClockFrom(state_.prefs));
     }
 
     void OpenMoon()
     {
-        if (!moon_)
+        if (!moon_) {
             moon_ = new astro::ui::frmMoon(ui_, faults_, clock_, state_.dir.path, &window_);
+            moon_->SetGoto(goto_);
+        }
         moon_->Open(spread::ClockFrom(state_.prefs));
     }
 
@@ -58,6 +63,7 @@ private:
     const astro::Clock& clock_;
     spread::PortFaults faults_;
     services::UiPort& ui_;
+    astro::ui::TelescopeGoto goto_;
     astro::ui::frmSun* sun_ = nullptr;
     astro::ui::frmMoon* moon_ = nullptr;
 };
@@ -81,9 +87,9 @@ void UpdateMoonPhaseIcon(spread::frmMainScreen& window, spread::AppState& state,
 }
 
 void WireSolarSystem(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                     const astro::Clock& clock)
+                     const astro::Clock& clock, astro::ui::TelescopeGoto telescopeGoto)
 {
-    auto* link = new SolarSystemLink(window, state, ui, clock);
+    auto* link = new SolarSystemLink(window, state, ui, clock, telescopeGoto);
     spread::CommandDispatcher& dispatcher = window.Dispatcher();
     dispatcher.SetAction("athesun", [link] { link->OpenSun(); });
     dispatcher.SetAction("athemoon", [link] { link->OpenMoon(); });
@@ -107,9 +113,12 @@ void WireSolarSystem(spread::frmMainScreen& window, spread::AppState& state, ser
     constexpr const char* planetKeys[] = {"athemercury", "athevenus",  "athemars",    "athejupiter",
                                           "athesaturn",  "atheuranus", "atheneptune", "athepluto"};
     for (int planet = 1; planet <= 8; ++planet)
-        dispatcher.SetAction(planetKeys[planet - 1], [planets, context, &window, planet] {
-            if (!*planets)
+        dispatcher.SetAction(planetKeys[planet - 1], [planets, context, &window, planet,
+                                                      telescopeGoto] {
+            if (!*planets) {
                 *planets = new astro::ui::frmPlanets1(context(), &window);
+                (*planets)->SetGoto(telescopeGoto);
+            }
             (*planets)->ShowPlanet(planet, PlanetNames[planet - 1]);
         });
 

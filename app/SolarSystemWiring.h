@@ -5,6 +5,7 @@
 // (date) and each minute, so that it follows real time.
 
 #include "astro/ObservingClock.h"
+#include "astro/ui/OutputTable.h"
 
 namespace services {
 class UiPort;
@@ -20,10 +21,11 @@ namespace app {
 // Given: window, whose dispatcher takes the keys and whose status band takes the icon (a label
 //   named imgMoonPhase); state, whose preferences give the observing clock and site at each
 //   command and whose program folder holds the icons; ui, the program's port; clock, the
-//   computer clock of real-time mode. All outlive the window.
+//   computer clock of real-time mode; telescopeGoto, what the windows' Goto runs (unset: the
+//   message that no telescope is attached). All outlive the window.
 // Notes: the windows are made on first use and live as long as the main window.
 void WireSolarSystem(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                     const astro::Clock& clock);
+                     const astro::Clock& clock, astro::ui::TelescopeGoto telescopeGoto = {});
 
 // Sets the status band's phase icon (and its tool tip, the age) for the state's clock.
 void UpdateMoonPhaseIcon(spread::frmMainScreen& window, spread::AppState& state,

@@ -3,10 +3,12 @@
 #include "app/BackupWiring.h"
 #include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
+#include "app/ScopeWiring.h"
 #include "app/SolarSystemWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
+#include "scope/Speech.h"
 #include "services/ErrorLog.h"
 #include "services/Fault.h"
 #include "services/Vb.h"
@@ -59,13 +61,17 @@ int main(int argc, char* argv[])
         data::SettingsStore(data::SettingsStore::DefaultPath(parser.value(settings).toStdString())));
     ui.SetErrorLog(state.dir.File(services::ErrorLogFileName));
     const astro::SystemClock clock;
+    scope::EspeakSpeech speech;
+    app::ScopeWiring scopeWiring;
 
     spread::MainScreenHooks windowHooks;
     spread::frmMainScreen* windowPointer = nullptr;
     windowHooks.LoadForm = [&] {
         spread::frmMainScreen& window = *windowPointer;
-        spread::LoadForm(state, data::ResourcesBesideExecutable(), window.MakeLoadFormHooks(),
-                         clock);
+        spread::LoadFormHooks loadHooks = window.MakeLoadFormHooks();
+        loadHooks.CreateScopeVoice = scopeWiring.CreateScopeVoice;
+        spread::LoadForm(state, data::ResourcesBesideExecutable(), loadHooks, clock);
+        scopeWiring.ResetMenu();
         for (int tab = 0; tab < spread::kSpreadTabs; ++tab)
             window.SetGrid(tab, &state.grids[static_cast<std::size_t>(tab)]);
         ShowStatusBand(window, state.status);
@@ -75,7 +81,9 @@ int main(int argc, char* argv[])
     ui.SetParent(&window);
     app::WireLogbook(window, state, ui, clock, state.current);
     app::WireBackup(window, state, clock);
-    app::WireSolarSystem(window, state, ui, clock);
+    scopeWiring = app::WireScope(window, state, ui, clock, speech);
+    ui.SetSpeaker(scopeWiring.Speak);
+    app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
 
     window.Form_Load(QString("%1.%2.%3")

@@ -36,6 +36,11 @@ constexpr auto kPollInterval = 50ms; // how often a slew asks keepGoing
 constexpr auto kRefusalGrace = 500ms;
 // Listing stops once no new device has arrived for this long.
 constexpr auto kListQuiet = 500ms;
+// A property not yet defined is waited for until no definition has arrived for this long.
+constexpr auto kDefinitionsQuiet = 250ms;
+constexpr auto kDefinitionsTimeout = 3s;
+// How long a command waits for the device's answer before the link may be dropped.
+constexpr auto kCommandTimeout = 3s;
 constexpr double kSyncTolerance = 1e-4; // hours of RA, degrees of Dec
 
 constexpr const char* kEod = "EQUATORIAL_EOD_COORD";
@@ -443,7 +448,7 @@ public:
     void AbortSlew() override
     {
         Require("TELESCOPE_ABORT_MOTION", "the abort");
-        StopMotion();
+        Command("TELESCOPE_ABORT_MOTION", {{"ABORT", true}});
     }
 
     void MoveAxis(Direction direction, bool moving) override
@@ -454,8 +459,7 @@ public:
         const std::string first = northSouth ? "MOTION_NORTH" : "MOTION_WEST";
         const std::string second = northSouth ? "MOTION_SOUTH" : "MOTION_EAST";
         const bool toFirst = direction == Direction::North || direction == Direction::West;
-        link_->SendSwitches(address_.device, property,
-                            {{first, moving && toFirst}, {second, moving && !toFirst}});
+        Command(property, {{first, moving && toFirst}, {second, moving && !toFirst}});
     }
 
     std::optional<bool> Tracking() override
@@ -467,8 +471,7 @@ public:
     void SetTracking(bool on) override
     {
         Require("TELESCOPE_TRACK_STATE", "the change of tracking");
-        link_->SendSwitches(address_.device, "TELESCOPE_TRACK_STATE",
-                            {{"TRACK_ON", on}, {"TRACK_OFF", !on}});
+        Command("TELESCOPE_TRACK_STATE", {{"TRACK_ON", on}, {"TRACK_OFF", !on}});
     }
 
     void Park() override { SendPark(true); }
@@ -486,10 +489,17 @@ private:
     {
         if (!link_)
             throw TelescopeError(device_ + " is not connected");
-        std::lock_guard lock(link_->mutex);
+        std::unique_lock lock(link_->mutex);
+        const DeviceVectors& vectors = link_->devices[address_.device];
+        // A new link is ready once the coordinates are defined, but the server may still be
+        // defining the device's other properties: a missing one is waited for until the
+        // definitions have stopped arriving.
+        const auto deadline = Clock::now() + kDefinitionsTimeout;
+        while (!link_->lost && !vectors.contains(property) &&
+               Clock::now() - link_->lastDefinition < kDefinitionsQuiet && Clock::now() < deadline)
+            link_->changed.wait_for(lock, kPollInterval);
         if (link_->lost)
             throw Lost("during " + during);
-        const DeviceVectors& vectors = link_->devices[address_.device];
         auto found = vectors.find(property);
         if (found == vectors.end())
             return std::nullopt;
@@ -527,10 +537,31 @@ private:
         link_->SendSwitches(address_.device, "TELESCOPE_ABORT_MOTION", {{"ABORT", true}});
     }
 
+    // Sends a switch vector and waits for the device's answer to it. A link dropped right after
+    // a send can lose the command: closing a socket that holds unread updates resets it, and
+    // the server then drops what it had not read yet.
+    void Command(const char* property, const std::vector<std::pair<std::string, bool>>& states)
+    {
+        std::unique_lock lock(link_->mutex);
+        const DeviceVectors& vectors = link_->devices[address_.device];
+        const auto updates = [&] {
+            auto found = vectors.find(property);
+            return found == vectors.end() ? 0ul : found->second.updates;
+        };
+        const unsigned long before = updates();
+        lock.unlock();
+        link_->SendSwitches(address_.device, property, states);
+        lock.lock();
+        link_->changed.wait_for(lock, kCommandTimeout,
+                                [&] { return link_->lost || updates() > before; });
+        if (link_->lost)
+            throw Lost(std::string("after the change of ") + property);
+    }
+
     void SendPark(bool park)
     {
         Require("TELESCOPE_PARK", park ? "the park" : "the unpark");
-        link_->SendSwitches(address_.device, "TELESCOPE_PARK", {{"PARK", park}, {"UNPARK", !park}});
+        Command("TELESCOPE_PARK", {{"PARK", park}, {"UNPARK", !park}});
     }
 
     std::string identifier_;

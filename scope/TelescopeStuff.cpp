@@ -482,13 +482,15 @@ std::string DegreesToDMS(double degrees)
 
 namespace {
 
-// GetScopePosition; busy, when given, is closed before a fault is shown.
-ScopePosition ReadScopePosition(ScopeContext& s, BusyMessage* busy)
+// GetScopePosition with its faults at location; busy, when given, is closed before a fault is
+// shown; read, when given, says whether the position was read without a fault.
+ScopePosition ReadScopePosition(ScopeContext& s, BusyMessage* busy,
+                                const char* location = kPositionLocation, bool* read = nullptr)
 {
     ScopePosition p;
     p.result = true;
     s.ui.Pump();
-    services::Trap(s.ui, kPositionLocation, [&] {
+    const bool ok = services::Trap(s.ui, location, [&] {
         struct CloseOnFault
         {
             BusyMessage* busy;
@@ -530,6 +532,8 @@ ScopePosition ReadScopePosition(ScopeContext& s, BusyMessage* busy)
         }
     });
     ReleaseScope(s.state);
+    if (read)
+        *read = ok;
     return p;
 }
 
@@ -592,6 +596,23 @@ ScopePosShown GetPos(ScopeContext& s)
     if (shown.position.result)
         shown.labels = ScopePosTexts(s.prefs.telescopetype, shown.position);
     return shown;
+}
+
+// ---------------------------------------------------------------------------------------
+// For the routines of other files
+
+Telescope& ConnectScope(ScopeContext& s)
+{
+    return Connect(s);
+}
+
+std::optional<ScopePosition> ReadScopePositionAt(ScopeContext& s, const char* location)
+{
+    bool read = false;
+    ScopePosition p = ReadScopePosition(s, nullptr, location, &read);
+    if (!read)
+        return std::nullopt;
+    return p;
 }
 
 } // namespace scope

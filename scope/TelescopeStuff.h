@@ -336,4 +336,15 @@ inline constexpr const char* kNoTelescopeMessage =
     "and the computer are connected and that you have selected the proper scope driver in "
     "preferences";
 
+// ---------------------------------------------------------------------------------------
+// For the routines of other files (the control panel)
+
+// Step 1 of the rule: Scope, made from telescopetype and connected when it is empty. Throws
+// TelescopeError; the caller traps it and ends with ReleaseScope.
+Telescope& ConnectScope(ScopeContext& s);
+
+// GetScopePosition with its faults shown and logged at location, under the rule.
+// Returned: nothing after a fault.
+std::optional<ScopePosition> ReadScopePositionAt(ScopeContext& s, const char* location);
+
 } // namespace scope

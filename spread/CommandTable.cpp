@@ -227,6 +227,7 @@ constexpr std::array kTools = std::to_array<CommandTool>({
      false},
     {"plotscope", "Plot Scope Location", "Plot Scope Location", "Telescopeb PlotChart", false},
     {"slideshow", "Slide Show", "Slide Show", "Telescopeb", false},
+    {"scopepanel", "Telescope Control Panel", "Telescope Control Panel", "Telescopeb", false},
     {"importassistant", "Import", "Import", "Database", false},
     {"logreport", "Logbook Report - Table Format", "Logbook Report - Table Format", "Reports",
      false},

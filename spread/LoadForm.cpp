@@ -30,8 +30,6 @@ void CalcMoonPhase(AppState&) {}
 void UnloadPopup(AppState&) {}
 // The image tab's catalogue, type and third combos (the image gallery).
 void LoadImageCombos(AppState&) {}
-// The speech object of a telescope driver of the scripting family.
-void CreateScopeVoice(AppState&) {}
 // Install folders of the outside chart and variable-star programs; empty: not installed.
 std::string CartesInstallDir()
 {
@@ -184,7 +182,7 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
     // 11.
     step("CreateScopeVoice");
     if (!p.telescopetype.empty() && p.Dsound)
-        CreateScopeVoice(TMM);
+        Call(hooks.CreateScopeVoice);
 
     // 12. The window sets the rowret combo from rowret.
     step("LoadCurrentProfile");

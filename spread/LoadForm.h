@@ -48,6 +48,8 @@ struct LoadFormHooks
     std::function<void(bool hidden)> HideGrids;
     std::function<void()> UnloadStartupImage;
     std::function<void()> GetTabCaptions;
+    // The speech object of the telescope, made when a telescope is chosen and sound is on.
+    std::function<void()> CreateScopeVoice;
     // The filter page of the last session (maintab).
     std::function<void(int page)> SelectFilterPage;
 };

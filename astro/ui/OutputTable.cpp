@@ -30,4 +30,15 @@ void TelescopeNotConnected(services::UiPort& ui)
                    "Attention!", "I");
 }
 
+void GotoShown(const TelescopeGoto& telescopeGoto, services::UiPort& ui, double raHours,
+               double decDeg)
+{
+    if (!telescopeGoto) {
+        TelescopeNotConnected(ui);
+        return;
+    }
+    const Sexagesimal ra = ConvertFromDecimal(raHours);
+    telescopeGoto(Hms{ra.degrees, ra.minutes, ra.seconds}, SignPush(ConvertFromDecimal(decDeg)));
+}
+
 } // namespace astro::ui

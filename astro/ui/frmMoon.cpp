@@ -61,7 +61,7 @@ frmMoon::frmMoon(services::UiPort& ui, FaultSink& faults, const Clock& computerC
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     cmdGoto = buttons->addButton("Goto", QDialogButtonBox::ActionRole);
     cmdGoto->setObjectName("cmdGoto");
-    connect(cmdGoto, &QPushButton::clicked, this, [this] { TelescopeNotConnected(ui_); });
+    connect(cmdGoto, &QPushButton::clicked, this, [this] { GotoShown(goto_, ui_, raHours_, decDeg_); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     layout->addWidget(buttons);
 }
@@ -69,6 +69,8 @@ frmMoon::frmMoon(services::UiPort& ui, FaultSink& faults, const Clock& computerC
 void frmMoon::Open(const ObservingClock& clock)
 {
     const MoonOutputs moon = CalcMoon(clock, computerClock_, faults_);
+    raHours_ = moon.raHours;
+    decDeg_ = moon.decDeg;
     lblWhen_->setText(QString::fromStdString(
         clock.UseRealTime == "Y" ? std::string("Now") : clock.PDate + " " + clock.Ptime));
     const std::string* texts[14] = {

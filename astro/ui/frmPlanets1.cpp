@@ -68,7 +68,7 @@ frmPlanets1::frmPlanets1(SolarContext context, QWidget* parent)
     buttons->addWidget(cmdGoto);
     buttons->addWidget(cmdClose);
     layout->addLayout(buttons);
-    connect(cmdGoto, &QPushButton::clicked, this, [this] { TelescopeNotConnected(context_.ui); });
+    connect(cmdGoto, &QPushButton::clicked, this, [this] { GotoShown(goto_, context_.ui, raHours_, decDeg_); });
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
 }
 
@@ -84,6 +84,8 @@ void frmPlanets1::ShowPlanet(int planet, const std::string& planetName)
     const astro::PlanetOutputs p =
         astro::CalcPlanets(planetName, static_cast<std::int16_t>(planet), clock,
                            context_.computerClock, context_.programDir, faults);
+    raHours_ = p.place.raHours;
+    decDeg_ = p.place.decDegrees;
     spread::BodyTimes times;
     if (p.valid)
         times = spread::TimesOf(clock, context_.computerClock, p.place.raHours, p.place.decDegrees,

@@ -3,6 +3,7 @@
 // planet's altitude, rise, transit and set, and cmdGoto for the telescope.
 
 #include "astro/ObservingClock.h"
+#include "astro/ui/OutputTable.h"
 
 #include <QDialog>
 
@@ -43,9 +44,14 @@ public:
     QLabel* lblValue[16];
     QPushButton* cmdGoto;
     QPushButton* cmdClose;
+    // What cmdGoto runs; unset: TelescopeNotConnected.
+    void SetGoto(TelescopeGoto telescopeGoto) { goto_ = std::move(telescopeGoto); }
 
 private:
     SolarContext context_;
+    TelescopeGoto goto_;
+    double raHours_ = 0; // the planet shown, for cmdGoto
+    double decDeg_ = 0;
 };
 
 } // namespace astro::ui

@@ -60,7 +60,7 @@ frmSun::frmSun(services::UiPort& ui, FaultSink& faults, const Clock& computerClo
     auto* buttons = new QDialogButtonBox(QDialogButtonBox::Close, this);
     cmdGoto = buttons->addButton("Goto", QDialogButtonBox::ActionRole);
     cmdGoto->setObjectName("cmdGoto");
-    connect(cmdGoto, &QPushButton::clicked, this, [this] { TelescopeNotConnected(ui_); });
+    connect(cmdGoto, &QPushButton::clicked, this, [this] { GotoShown(goto_, ui_, raHours_, decDeg_); });
     connect(buttons, &QDialogButtonBox::rejected, this, &QDialog::close);
     layout->addWidget(buttons);
 }
@@ -68,6 +68,8 @@ frmSun::frmSun(services::UiPort& ui, FaultSink& faults, const Clock& computerClo
 void frmSun::Open(const ObservingClock& clock)
 {
     const SunOutputs sun = CalcSun(clock, computerClock_, faults_);
+    raHours_ = sun.raHours;
+    decDeg_ = sun.decDeg;
     lblWhen_->setText(WhenText(clock));
     const std::string texts[14] = {sun.trueLongitude,
                                    sun.ra.empty() ? std::string() : FixedText(sun.distance, 1, 5),

@@ -4,6 +4,7 @@
 
 #include "astro/FaultSink.h"
 #include "astro/ObservingClock.h"
+#include "astro/ui/OutputTable.h"
 
 #include <QDialog>
 
@@ -28,8 +29,13 @@ public:
     void Open(const ObservingClock& clock);
 
     QPushButton* cmdGoto = nullptr;
+    // What cmdGoto runs; unset: TelescopeNotConnected.
+    void SetGoto(TelescopeGoto telescopeGoto) { goto_ = std::move(telescopeGoto); }
 
 private:
+    TelescopeGoto goto_;
+    double raHours_ = 0; // the position shown, for cmdGoto
+    double decDeg_ = 0;
     services::UiPort& ui_;
     FaultSink& faults_;
     const Clock& computerClock_;

@@ -94,6 +94,10 @@ bool QtUiPort::Pump()
     return cancelled_;
 }
 
-void QtUiPort::Speak(const std::string&) {}
+void QtUiPort::Speak(const std::string& text)
+{
+    if (speaker_)
+        speaker_(text);
+}
 
 } // namespace services

@@ -3,6 +3,9 @@
 
 #include "services/UiPort.h"
 
+#include <functional>
+#include <string>
+
 class QWidget;
 
 namespace services {
@@ -12,6 +15,11 @@ class QtUiPort : public UiPort
 public:
     explicit QtUiPort(QWidget* parent = nullptr) : parent_(parent) {}
     void SetParent(QWidget* parent) { parent_ = parent; }
+    // What Speak runs: the program's speech; unset, Speak says nothing.
+    void SetSpeaker(std::function<void(const std::string& text)> speaker)
+    {
+        speaker_ = std::move(speaker);
+    }
 
     void DisplayMessage(const Message& message) override;
     bool Ask(const std::string& question, const std::string& title, bool defaultNo) override;
@@ -32,6 +40,7 @@ public:
 private:
     QWidget* parent_ = nullptr;
     bool cancelled_ = false;
+    std::function<void(const std::string& text)> speaker_;
 };
 
 } // namespace services

@@ -1,0 +1,258 @@
+#include "app/ScopeWiring.h"
+
+#include "data/Preferences.h"
+#include "scope/AlpacaTelescope.h"
+#include "scope/IndiTelescope.h"
+#include "scope/TelescopeStuff.h"
+#include "scope/ui/frmChooser.h"
+#include "scope/ui/frmScopePanel.h"
+#include "scope/ui/frmScopePos.h"
+#include "services/Fault.h"
+#include "services/Vb.h"
+#include "spread/AppState.h"
+#include "spread/Grid.h"
+#include "spread/ui/frmMainScreen.h"
+
+#include <QAction>
+#include <QDir>
+#include <QPointer>
+#include <QProcess>
+
+#include <exception>
+
+namespace app {
+
+namespace {
+
+namespace vb = services::vb;
+
+// The grid columns a goto and a sync read.
+constexpr int kObjectIdCol = 4;
+constexpr int kRaCol = 7;
+constexpr int kDecCol = 8;
+constexpr int kEpochCol = 9;
+
+// The Telescope menu over the main window's tools: one tool a key, whatever band shows it.
+class MainWindowMenu : public scope::TelescopeMenu
+{
+public:
+    explicit MainWindowMenu(spread::frmMainScreen& window) : window_(window) {}
+
+    std::string Caption() const override
+    {
+        const QAction* tool = window_.Tool("lx200enable");
+        return tool ? tool->text().toStdString() : std::string();
+    }
+    void SetCaption(const std::string& caption) override
+    {
+        if (QAction* tool = window_.Tool("lx200enable"))
+            tool->setText(QString::fromStdString(caption));
+    }
+    void SetToolEnabled(std::string_view, std::string_view key, bool enabled) override
+    {
+        if (QAction* tool = window_.Tool(std::string(key)))
+            tool->setEnabled(enabled);
+    }
+    void Redraw() override { window_.update(); }
+
+private:
+    spread::frmMainScreen& window_;
+};
+
+// The chooser's search: the INDI server's telescopes, then those answering Alpaca discovery;
+// a place that fails becomes a line of its own.
+scope::ui::Discovery Discover(const data::Preferences& prefs)
+{
+    scope::ui::Discovery found;
+    const auto search = [&](const std::string& what, const std::string& where, auto list) {
+        try {
+            for (scope::DeviceEntry& entry : list(where, kChooserSearchMs))
+                found.devices.push_back(std::move(entry));
+        } catch (const std::exception& e) {
+            found.problems.push_back(what + " " + where + ": " + e.what());
+        }
+    };
+    search("INDI server", prefs.indiserver, scope::ListIndiTelescopes);
+    search("Alpaca discovery", prefs.alpacadiscovery, scope::ListAlpacaTelescopes);
+    return found;
+}
+
+// Everything the commands share, a child of the main window so that it goes with it.
+class ScopeLink : public QObject
+{
+public:
+    ScopeLink(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
+              const astro::Clock& clock, scope::SpeechPlatform& platform)
+        : QObject(&window), window_(window), state_(state), ui_(ui), speech_(platform),
+          menu_(window), context_{ui, state.prefs, scopeState_, layer_, speech_, clock}
+    {
+        layer_.MakeDriver = scope::MakeTelescope;
+        layer_.profileFile = state.settings.File();
+        layer_.Choose = [this](const std::string& current) {
+            if (!chooser_)
+                chooser_ =
+                    new scope::ui::frmChooser([this] { return Discover(state_.prefs); }, &window_);
+            return chooser_->Choose(current);
+        };
+    }
+    ~ScopeLink() override { scope::ReleaseScope(scopeState_); }
+
+    scope::ScopeContext& Context() { return context_; }
+    scope::TelescopeMenu& Menu() { return menu_; }
+    scope::Speech& Speech() { return speech_; }
+
+    void ResetMenu()
+    {
+        scope::ResetTelescopeMenu(menu_, state_.dir.path);
+        // The start disables every telescope tool, the toggle among them.
+        menu_.SetToolEnabled("Telescopeb", "lx200enable", true);
+    }
+
+    void Setup()
+    {
+        scope::scopesetup(context_);
+        services::Trap(ui_, "TMM.SavePreferences", [&] {
+            data::SavePreferences(state_.prefs, state_.settings);
+            state_.settings.Sync();
+        });
+    }
+
+    void ControlPanelProgram()
+    {
+        if (!scope::lx200cp(context_))
+            return;
+        const QString program =
+            QString::fromStdString((state_.dir.path / scope::kLx200ControlPanel).string());
+        if (!QProcess::startDetached(program, {}))
+            ui_.ShowMessage("The program " + program.toStdString() + " could not be started",
+                            "Attention!", "E");
+    }
+
+    // The current tab's selected row, from 1, on its grid; 0 when none.
+    int SelectedRow(const spread::Grid*& grid) const
+    {
+        const int tab = window_.CurrTab();
+        grid = tab >= 0 && tab < spread::kSpreadTabs ? window_.GetGrid(tab) : nullptr;
+        const int row = window_.SelectedRow();
+        return grid && row >= 1 && row <= grid->MaxRows() ? row : 0;
+    }
+
+    void GotoObject()
+    {
+        const spread::Grid* grid = nullptr;
+        const int row = SelectedRow(grid);
+        if (!row)
+            return;
+        scope::Selection selection;
+        selection.SelectedRA = std::string(grid->Text(row, kRaCol));
+        selection.SelectedDec = std::string(grid->Text(row, kDecCol));
+        selection.SelectedEpoch = std::string(grid->Text(row, kEpochCol));
+        selection.SelectedObjectID = std::string(grid->Text(row, kObjectIdCol));
+        scope::gotoobject(context_, selection);
+    }
+
+    void Sync()
+    {
+        const spread::Grid* grid = nullptr;
+        const int row = SelectedRow(grid);
+        if (!row)
+            return;
+        scope::SyncScope(context_, std::string(grid->Text(row, kRaCol)),
+                         std::string(grid->Text(row, kDecCol)));
+    }
+
+    // plotscope and sslococ: the position, in a message until the charts can show it.
+    void ShowScopeLocation()
+    {
+        const scope::ScopePosition p = scope::GetScopePosition(context_);
+        if (!p.result) {
+            ui_.ShowMessage(scope::kNoTelescopeMessage, "Attention!", "I");
+            return;
+        }
+        ui_.ShowMessage("Scope position: RA " + vb::Format(p.ra, "0.0000") + "h Dec " +
+                            vb::Format(p.dec, "0.0000") + "°",
+                        "Scope Location", "I");
+        // A driver that answers 0 and 0 is held by another control program.
+        if (p.ra == 0 && p.dec == 0)
+            ui_.ShowMessage("Please verify that the ACP control panel is not active if you have "
+                            "ACP installed",
+                            "Error!", "E");
+    }
+
+    void OpenPosition()
+    {
+        if (!position_)
+            position_ = new scope::ui::frmScopePos(context_, &window_);
+        position_->Open();
+    }
+
+    void OpenPanel()
+    {
+        if (!panel_)
+            panel_ = new scope::ui::frmScopePanel(context_, &window_);
+        panel_->Open();
+    }
+
+    void SolarSystemGoto(const astro::Hms& ra, const astro::Dms& dec)
+    {
+        if (scope::IsTelescopeEnabled(menu_))
+            scope::SolarSystemGoto(context_, ra, dec);
+        else
+            astro::ui::TelescopeNotConnected(ui_);
+    }
+
+private:
+    spread::frmMainScreen& window_;
+    spread::AppState& state_;
+    services::UiPort& ui_;
+    scope::TelescopeState scopeState_;
+    scope::DriverLayer layer_;
+    scope::Speech speech_;
+    MainWindowMenu menu_;
+    scope::ScopeContext context_;
+    QPointer<scope::ui::frmChooser> chooser_;
+    QPointer<scope::ui::frmScopePos> position_;
+    QPointer<scope::ui::frmScopePanel> panel_;
+};
+
+} // namespace
+
+ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
+                      const astro::Clock& clock, scope::SpeechPlatform& speech)
+{
+    auto* link = new ScopeLink(window, state, ui, clock, speech);
+    spread::CommandDispatcher& dispatcher = window.Dispatcher();
+    dispatcher.SetAction("lx200enable",
+                         [link] { scope::lx200enable(link->Context(), link->Menu()); });
+    dispatcher.SetAction("scopesetup", [link] { link->Setup(); });
+    dispatcher.SetAction("lx200cp", [link] { link->ControlPanelProgram(); });
+    dispatcher.SetAction("gotoobject", [link] { link->GotoObject(); });
+    dispatcher.SetAction("sync", [link] { link->Sync(); });
+    dispatcher.SetAction("cspos", [link] { link->OpenPosition(); });
+    dispatcher.SetAction("plotscope", [link] { link->ShowScopeLocation(); });
+    dispatcher.SetAction("sslococ", [link] { link->ShowScopeLocation(); });
+    dispatcher.SetAction("scopepanel", [link] { link->OpenPanel(); });
+
+    // The functions hold the link by a guarded pointer: the port may outlive the window.
+    const QPointer<ScopeLink> guarded(link);
+    ScopeWiring wiring;
+    wiring.Speak = [guarded, &state](const std::string& text) {
+        if (guarded)
+            guarded->Speech().Speak(text, state.prefs.Dsound);
+    };
+    wiring.CreateScopeVoice = [guarded, &state] {
+        if (guarded)
+            guarded->Speech().CreateScopeVoice(state.prefs.Dsound);
+    };
+    wiring.ResetMenu = [guarded] {
+        if (guarded)
+            guarded->ResetMenu();
+    };
+    wiring.Goto = [guarded](const astro::Hms& ra, const astro::Dms& dec) {
+        if (guarded)
+            guarded->SolarSystemGoto(ra, dec);
+    };
+    return wiring;
+}
+
+} // namespace app

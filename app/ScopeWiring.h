@@ -1,0 +1,53 @@
+#pragma once
+// The telescope on the main window: the toggle lx200enable and the tools it opens (scopesetup,
+// lx200cp, gotoobject, sync, cspos, plotscope, sslococ, scopepanel), the chooser over the INDI
+// server and Alpaca discovery of the settings, the Goto of the solar-system windows, and the
+// process's speech.
+
+#include "astro/ObservingClock.h"
+#include "astro/ui/OutputTable.h"
+
+#include <functional>
+#include <string>
+
+namespace scope {
+class SpeechPlatform;
+}
+namespace services {
+class UiPort;
+}
+namespace spread {
+class frmMainScreen;
+struct AppState;
+} // namespace spread
+
+namespace app {
+
+// How long the chooser listens at each place, in milliseconds.
+inline constexpr int kChooserSearchMs = 1500;
+
+// What the rest of the start takes from the telescope's wiring.
+struct ScopeWiring
+{
+    // The port's speaker: the text spoken when the setting Dsound is on.
+    std::function<void(const std::string& text)> Speak;
+    // LoadForm's CreateScopeVoice.
+    std::function<void()> CreateScopeVoice;
+    // After LoadForm: ResetTelescopeMenu, and the toggle itself enabled.
+    std::function<void()> ResetMenu;
+    // The solar-system windows' Goto: SolarSystemGoto while the telescope is enabled, else the
+    // message that no telescope is attached.
+    astro::ui::TelescopeGoto Goto;
+};
+
+// Gives the main window its telescope commands.
+// Given: window, whose dispatcher takes the keys and whose tools the toggle opens; state, whose
+//   preferences hold telescopetype and the places the chooser searches, and whose settings
+//   file keeps them and the drivers' ports; ui, the program's port; clock, the computer clock;
+//   speech, the machine's speech. All outlive the window.
+// Notes: one telescope state, speech object and set of windows for the process, living as long
+//   as the main window.
+ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
+                      const astro::Clock& clock, scope::SpeechPlatform& speech);
+
+} // namespace app
