@@ -325,7 +325,7 @@ private:
         return sql;
     }
 
-    std::string Cell(int col) const { return std::string(TMM_.grids[0].Text(row_, col)); }
+    scope::Selection Selected() const { return RowSelection(TMM_.grids[0], row_); }
 
     int Act(const ScopeLine& line)
     {
@@ -337,7 +337,7 @@ private:
         if (action == "enable")
             return Enable();
         if (action == "goto") {
-            const scope::Selection selection{Cell(7), Cell(8), Cell(9), Cell(spread::kObjectIdCol)};
+            const scope::Selection selection = Selected();
             const scope::GotoResult result = scope::gotoobject(context_, selection);
             PrintSlew(selection.SelectedObjectID, result.strings, result.result);
             return 0;
@@ -350,9 +350,10 @@ private:
             return 0;
         }
         if (action == "sync") {
-            const bool aligned = scope::SyncScope(context_, Cell(7), Cell(8));
+            const scope::Selection cells = Selected();
+            const bool aligned = scope::SyncScope(context_, cells.SelectedRA, cells.SelectedDec);
             out_ << "Object\tTargetRA\tTargetDec\tResult\n"
-                 << Cell(spread::kObjectIdCol) << "\t" << Fixed(watch_.targetRa, 6) << "\t"
+                 << cells.SelectedObjectID << "\t" << Fixed(watch_.targetRa, 6) << "\t"
                  << Fixed(watch_.targetDec, 6) << "\t" << TrueFalse(aligned) << "\n";
             return aligned ? 0 : 1;
         }
@@ -438,6 +439,12 @@ private:
 };
 
 } // namespace
+
+scope::Selection RowSelection(const spread::Grid& grid, int row)
+{
+    const auto cell = [&](int col) { return std::string(grid.Text(row, col)); };
+    return {cell(7), cell(8), cell(9), cell(spread::kObjectIdCol)};
+}
 
 std::string CheckScopeArgs(const std::vector<std::string>& args)
 {

@@ -34,6 +34,8 @@
 // lines.
 
 #include "astro/ObservingClock.h"
+#include "scope/TelescopeStuff.h"
+#include "spread/Grid.h"
 #include "spread/AppState.h"
 #include "spread/LoadForm.h"
 
@@ -49,6 +51,10 @@ inline constexpr const char* ScopeUsage =
     "[--row N] ACTION [ARGS]\n"
     "  ACTION: devices [--indi HOST:PORT]... [--alpaca HOST:PORT]... | choose IDENT | enable | "
     "goto | slew H M S D M S | sync | position | - (actions from stdin, one a line)";
+
+// What a click on a row of an object grid copies for the telescope: R.A. (column 7), Dec.
+// (column 8), Epoch (column 9) and ObjectID (column 4). row counts from 1.
+scope::Selection RowSelection(const spread::Grid& grid, int row);
 
 // The usage error of scope's arguments, or empty.
 std::string CheckScopeArgs(const std::vector<std::string>& args);

@@ -1,8 +1,8 @@
 #include "app/ScopeWiring.h"
 
 #include "data/Preferences.h"
-#include "scope/AlpacaTelescope.h"
-#include "scope/IndiTelescope.h"
+#include "app/ScopeCommand.h"
+#include "scope/Discovery.h"
 #include "scope/TelescopeStuff.h"
 #include "scope/ui/frmChooser.h"
 #include "scope/ui/frmScopePanel.h"
@@ -25,12 +25,6 @@ namespace app {
 namespace {
 
 namespace vb = services::vb;
-
-// The grid columns a goto and a sync read.
-constexpr int kObjectIdCol = 4;
-constexpr int kRaCol = 7;
-constexpr int kDecCol = 8;
-constexpr int kEpochCol = 9;
 
 // The Telescope menu over the main window's tools: one tool a key, whatever band shows it.
 class MainWindowMenu : public scope::TelescopeMenu
@@ -59,24 +53,6 @@ private:
     spread::frmMainScreen& window_;
 };
 
-// The chooser's search: the INDI server's telescopes, then those answering Alpaca discovery;
-// a place that fails becomes a line of its own.
-scope::ui::Discovery Discover(const data::Preferences& prefs)
-{
-    scope::ui::Discovery found;
-    const auto search = [&](const std::string& what, const std::string& where, auto list) {
-        try {
-            for (scope::DeviceEntry& entry : list(where, kChooserSearchMs))
-                found.devices.push_back(std::move(entry));
-        } catch (const std::exception& e) {
-            found.problems.push_back(what + " " + where + ": " + e.what());
-        }
-    };
-    search("INDI server", prefs.indiserver, scope::ListIndiTelescopes);
-    search("Alpaca discovery", prefs.alpacadiscovery, scope::ListAlpacaTelescopes);
-    return found;
-}
-
 // Everything the commands share, a child of the main window so that it goes with it.
 class ScopeLink : public QObject
 {
@@ -91,7 +67,12 @@ public:
         layer_.Choose = [this](const std::string& current) {
             if (!chooser_)
                 chooser_ =
-                    new scope::ui::frmChooser([this] { return Discover(state_.prefs); }, &window_);
+                    new scope::ui::frmChooser(
+                    [this] {
+                        return scope::DiscoverTelescopes({state_.prefs.indiserver},
+                                                         {state_.prefs.alpacadiscovery});
+                    },
+                    &window_);
             return chooser_->Choose(current);
         };
     }
@@ -104,8 +85,6 @@ public:
     void ResetMenu()
     {
         scope::ResetTelescopeMenu(menu_, state_.dir.path);
-        // The start disables every telescope tool, the toggle among them.
-        menu_.SetToolEnabled("Telescopeb", "lx200enable", true);
     }
 
     void Setup()
@@ -143,12 +122,7 @@ public:
         const int row = SelectedRow(grid);
         if (!row)
             return;
-        scope::Selection selection;
-        selection.SelectedRA = std::string(grid->Text(row, kRaCol));
-        selection.SelectedDec = std::string(grid->Text(row, kDecCol));
-        selection.SelectedEpoch = std::string(grid->Text(row, kEpochCol));
-        selection.SelectedObjectID = std::string(grid->Text(row, kObjectIdCol));
-        scope::gotoobject(context_, selection);
+        scope::gotoobject(context_, RowSelection(*grid, row));
     }
 
     void Sync()
@@ -157,8 +131,8 @@ public:
         const int row = SelectedRow(grid);
         if (!row)
             return;
-        scope::SyncScope(context_, std::string(grid->Text(row, kRaCol)),
-                         std::string(grid->Text(row, kDecCol)));
+        const scope::Selection cells = RowSelection(*grid, row);
+        scope::SyncScope(context_, cells.SelectedRA, cells.SelectedDec);
     }
 
     // plotscope and sslococ: the position, in a message until the charts can show it.

@@ -23,9 +23,6 @@ struct AppState;
 
 namespace app {
 
-// How long the chooser listens at each place, in milliseconds.
-inline constexpr int kChooserSearchMs = 1500;
-
 // What the rest of the start takes from the telescope's wiring.
 struct ScopeWiring
 {
