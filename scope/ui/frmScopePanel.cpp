@@ -57,15 +57,9 @@ frmScopePanel::frmScopePanel(ScopeContext& s, QWidget* parent) : QDialog(parent)
     mount->addWidget(cmdUnpark);
     layout->addLayout(mount);
 
-    auto* buttons = new QHBoxLayout;
-    cmdRefresh = new QPushButton("Refresh", this);
-    cmdRefresh->setObjectName("cmdRefresh");
-    cmdClose = new QPushButton("Close", this);
-    cmdClose->setObjectName("cmdClose");
-    buttons->addStretch();
-    buttons->addWidget(cmdRefresh);
-    buttons->addWidget(cmdClose);
-    layout->addLayout(buttons);
+    const RefreshCloseButtons buttons = AddRefreshClose(*this, *layout);
+    cmdRefresh = buttons.cmdRefresh;
+    cmdClose = buttons.cmdClose;
 
     tmrRefresh_ = new QTimer(this);
     tmrRefresh_->setObjectName("tmrRefresh");

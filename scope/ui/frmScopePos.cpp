@@ -58,15 +58,9 @@ frmScopePos::frmScopePos(ScopeContext& s, QWidget* parent) : QDialog(parent), s_
     lblAzm = labels.lblAzm;
     layout->addLayout(grid);
 
-    auto* buttons = new QHBoxLayout;
-    cmdRefresh = new QPushButton("Refresh", this);
-    cmdRefresh->setObjectName("cmdRefresh");
-    cmdClose = new QPushButton("Close", this);
-    cmdClose->setObjectName("cmdClose");
-    buttons->addStretch();
-    buttons->addWidget(cmdRefresh);
-    buttons->addWidget(cmdClose);
-    layout->addLayout(buttons);
+    const RefreshCloseButtons buttons = AddRefreshClose(*this, *layout);
+    cmdRefresh = buttons.cmdRefresh;
+    cmdClose = buttons.cmdClose;
     connect(cmdRefresh, &QPushButton::clicked, this, &frmScopePos::Refresh);
     connect(cmdClose, &QPushButton::clicked, this, &QDialog::close);
 }
@@ -85,6 +79,19 @@ void frmScopePos::Refresh()
     const ScopePosShown shown = GetPos(s_);
     if (shown.labels)
         ShowPositionLabels({lblRa, lblDec, lblAlt, lblAzm}, *shown.labels);
+}
+
+RefreshCloseButtons AddRefreshClose(QWidget& owner, QBoxLayout& layout)
+{
+    auto* buttons = new QHBoxLayout;
+    RefreshCloseButtons made{new QPushButton("Refresh", &owner), new QPushButton("Close", &owner)};
+    made.cmdRefresh->setObjectName("cmdRefresh");
+    made.cmdClose->setObjectName("cmdClose");
+    buttons->addStretch();
+    buttons->addWidget(made.cmdRefresh);
+    buttons->addWidget(made.cmdClose);
+    layout.addLayout(buttons);
+    return made;
 }
 
 } // namespace scope::ui

@@ -6,6 +6,7 @@
 
 #include <QDialog>
 
+class QBoxLayout;
 class QGridLayout;
 class QLabel;
 class QPushButton;
@@ -45,5 +46,13 @@ struct PositionLabels
 };
 PositionLabels AddPositionLabels(QWidget& owner, QGridLayout& grid);
 void ShowPositionLabels(const PositionLabels& labels, const ScopePosLabels& texts);
+
+// The row of the Refresh and Close buttons at the foot of a telescope window.
+struct RefreshCloseButtons
+{
+    QPushButton* cmdRefresh;
+    QPushButton* cmdClose;
+};
+RefreshCloseButtons AddRefreshClose(QWidget& owner, QBoxLayout& layout);
 
 } // namespace scope::ui
