@@ -2,6 +2,7 @@
 
 #include "app/CliOptions.h"
 #include "app/GridCommand.h"
+#include "astro/Text.h"
 #include "data/Preferences.h"
 #include "scope/Discovery.h"
 #include "scope/Speech.h"
@@ -47,14 +48,6 @@ std::optional<int> PositiveInt(const std::string& text)
     if (error != std::errc() || end != text.data() + text.size() || n < 1)
         return std::nullopt;
     return n;
-}
-
-bool IsNumber(const std::string& text)
-{
-    const char* first = text.data() + (text.starts_with('+') ? 1 : 0);
-    double x = 0;
-    const auto [end, error] = std::from_chars(first, text.data() + text.size(), x);
-    return !text.empty() && error == std::errc() && end == text.data() + text.size();
 }
 
 // Reads a line's words; topLevel allows the action "-".
@@ -116,7 +109,7 @@ std::string ParseScopeLine(const std::vector<std::string>& words, bool topLevel,
                                           : std::string("six numbers: H M S D M S"));
     if (line.action == "slew")
         for (const std::string& number : line.args)
-            if (!IsNumber(number))
+            if (!astro::ParseNumber(number))
                 return "slew takes numbers, not \"" + number + "\"";
     return {};
 }
