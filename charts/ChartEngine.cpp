@@ -12,7 +12,9 @@
 #include <algorithm>
 #include <cctype>
 #include <cmath>
+#include <cstdint>
 #include <numbers>
+#include <unordered_map>
 
 namespace charts {
 
@@ -209,6 +211,75 @@ void DrawSymbol(QPainter& painter, int code, QPointF c, double d)
     }
 }
 
+// Small symbols are drawn once per look into a transparent image and then stamped: stamping is
+// many times faster than stroking an antialiased outline, which matters with tens of thousands
+// of objects. The stamp lands within half a pixel of the exact position.
+class SymbolStamps
+{
+public:
+    static constexpr int kLargest = 64;
+
+    // The stamp of a symbol of diameter (pixels, at most kLargest) in colour.
+    const QImage& Stamp(int code, QColor colour, int diameter)
+    {
+        const std::uint64_t key = (static_cast<std::uint64_t>(colour.rgba()) << 24) |
+                                  (static_cast<std::uint64_t>(code & 0xff) << 16) |
+                                  static_cast<std::uint64_t>(diameter);
+        auto found = stamps_.find(key);
+        if (found != stamps_.end())
+            return found->second;
+        const int side = diameter + 6 + (code == 23 ? diameter : 0);
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(QPen(colour, 1.2));
+        painter.setBrush(Qt::NoBrush);
+        DrawSymbol(painter, code, QPointF(side / 2.0, side / 2.0), diameter);
+        painter.end();
+        return stamps_.emplace(key, std::move(image)).first->second;
+    }
+
+private:
+    std::unordered_map<std::uint64_t, QImage> stamps_;
+};
+
+// Star dots, one stamp per tenth of a pixel of radius.
+class StarStamps
+{
+public:
+    explicit StarStamps(QColor colour) : colour_(colour) {}
+
+    const QImage& Stamp(double radius)
+    {
+        const int tenths = static_cast<int>(std::lround(radius * 10));
+        auto found = stamps_.find(tenths);
+        if (found != stamps_.end())
+            return found->second;
+        const int side = static_cast<int>(std::ceil(tenths / 5.0)) + 3;
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(colour_);
+        painter.drawEllipse(QPointF(side / 2.0, side / 2.0), tenths / 10.0, tenths / 10.0);
+        painter.end();
+        return stamps_.emplace(tenths, std::move(image)).first->second;
+    }
+
+private:
+    QColor colour_;
+    std::unordered_map<int, QImage> stamps_;
+};
+
+void DrawStamp(QPainter& painter, const QImage& stamp, double x, double y)
+{
+    painter.drawImage(QPointF(std::round(x - stamp.width() / 2.0),
+                              std::round(y - stamp.height() / 2.0)),
+                      stamp);
+}
+
 } // namespace
 
 ParsedChartLayers ParseChartLayers(std::string_view text)
@@ -314,9 +385,8 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
     painter.setFont(font);
 
     if (layers.stars) {
-        const double nameLimit = std::min(out.limitMag - 2.5, 5.0);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(pal.stars);
+        const double nameLimit = std::min(out.limitMag - 3.5, 4.0);
+        StarStamps stamps(pal.stars);
         std::vector<const ChartStar*> named;
         for (const auto& s : sky.stars) {
             if (s.mag > out.limitMag)
@@ -327,7 +397,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
             const double r = std::min(
                 kFaintestStarRadius + kStarRadiusPerMag * (out.limitMag - s.mag),
                 kLargestStarRadius);
-            painter.drawEllipse(QPointF(p.x, p.y), r, r);
+            DrawStamp(painter, stamps.Stamp(r), p.x, p.y);
             DrawnObject d;
             d.kind = DrawnKind::Star;
             d.id = "S" + std::to_string(s.id);
@@ -369,6 +439,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
 
     if (layers.dso) {
         painter.setBrush(Qt::NoBrush);
+        SymbolStamps symbols;
         for (const auto& o : objects) {
             if (!std::isfinite(o.raHours) || !std::isfinite(o.decDeg))
                 continue;
@@ -397,8 +468,16 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
                 d.r = diameter / 2.0;
                 d.name = o.label.empty() ? DsoLabel(o.extraId, o.objectId) : o.label;
                 const QColor colour = o.observed ? pal.observed : SymbolColour(pal, o.typeCode);
-                painter.setPen(QPen(colour, 1.2));
-                DrawSymbol(painter, o.typeCode, c, diameter);
+                if (diameter <= SymbolStamps::kLargest) {
+                    DrawStamp(painter,
+                              symbols.Stamp(o.typeCode, colour,
+                                            static_cast<int>(std::lround(diameter))),
+                              p.x, p.y);
+                } else {
+                    painter.setPen(QPen(colour, 1.2));
+                    DrawSymbol(painter, o.typeCode, c, diameter);
+                }
+                painter.setPen(colour);
                 painter.drawText(QPointF(p.x + d.r + 2, p.y + d.r + 2),
                                  QString::fromStdString(d.name));
             }

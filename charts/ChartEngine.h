@@ -114,6 +114,7 @@ struct ChartImage
 //   clamped, a centre that is not a number becomes 0 h / 0 deg, objects with positions that
 //   are not numbers are skipped.
 // Notes: stars are dots whose radius grows 0.55 pixel per magnitude brighter than the limit;
+//   star names are written to 3.5 magnitudes brighter than the limit, at most to 4.0;
 //   objects draw with a symbol per type code, at least 8 pixels across, otherwise their size;
 //   points more than about 143 degrees from the centre are not drawn.
 ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
