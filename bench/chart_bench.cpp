@@ -69,16 +69,16 @@ double Median(std::vector<double> values)
 
 int main(int argc, char** argv)
 {
-    qputenv("QT_QPA_PLATFORM", qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen"
-                                                                    : qgetenv("QT_QPA_PLATFORM"));
+    qputenv("QT_QPA_PLATFORM",
+            qgetenv("QT_QPA_PLATFORM").isEmpty() ? "offscreen" : qgetenv("QT_QPA_PLATFORM"));
     int qtArgc = 1;
     QGuiApplication app(qtArgc, argv);
     const std::string folder = argc > 1 ? argv[1] : SELVANE_RESOURCE_DIR;
     const auto loadStart = std::chrono::steady_clock::now();
     const charts::ChartSky sky = charts::LoadChartSky(folder);
-    const double loadMs = std::chrono::duration<double, std::milli>(
-                              std::chrono::steady_clock::now() - loadStart)
-                              .count();
+    const double loadMs =
+        std::chrono::duration<double, std::milli>(std::chrono::steady_clock::now() - loadStart)
+            .count();
     std::printf("chart data load: %.1f ms (%zu stars)\n", loadMs, sky.stars.size());
 
     charts::ChartRequest request;

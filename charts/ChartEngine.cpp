@@ -50,8 +50,24 @@ Palette NightPalette()
     const QColor mid(190, 20, 20);
     const QColor dim(110, 0, 0);
     const QColor faint(70, 0, 0);
-    return {QColor(0, 0, 0), faint, faint, dim, dim, bright, mid, mid, bright,
-            bright, bright, bright, bright, bright, bright, mid, QColor(255, 110, 110), bright};
+    return {QColor(0, 0, 0),
+            faint,
+            faint,
+            dim,
+            dim,
+            bright,
+            mid,
+            mid,
+            bright,
+            bright,
+            bright,
+            bright,
+            bright,
+            bright,
+            bright,
+            mid,
+            QColor(255, 110, 110),
+            bright};
 }
 
 std::string Lower(std::string_view text)
@@ -98,30 +114,65 @@ double NiceStep(double wanted, std::initializer_list<double> steps)
     return *(steps.end() - 1);
 }
 
-void DrawGrid(QPainter& painter, const Projection& proj, double decCentre)
+// The angle in degrees from the centre to the farthest image corner.
+double CornerDistanceDeg(const Projection& proj, double raCentre, double decCentre)
+{
+    const SkyPosition corner = proj.Unproject(0, 0);
+    double a[3];
+    double b[3];
+    UnitVector(raCentre, decCentre, a);
+    UnitVector(corner.raHours, corner.decDeg, b);
+    const double cosC = std::clamp(a[0] * b[0] + a[1] * b[1] + a[2] * b[2], -1.0, 1.0);
+    return std::acos(cosC) / kDeg;
+}
+
+// Hour circles and parallels over the part of the sky the image shows, so that narrow fields
+// sample no more than wide ones.
+void DrawGrid(QPainter& painter, const Projection& proj, double raCentre, double decCentre)
 {
     const double field = proj.FieldDeg();
+    const double reach = std::min(CornerDistanceDeg(proj, raCentre, decCentre) + 1.0, 180.0);
     const double decStep = NiceStep(field / 6.0, {0.25, 0.5, 1, 2, 5, 10, 15, 30});
     const double cosDec = std::max(std::cos(decCentre * kDeg), 0.1);
     // Right ascension steps in hours: 1, 2, 5, 10, 20, 30 minutes, 1 and 2 hours.
     const double raStep = NiceStep(decStep / 15.0 / cosDec,
                                    {1.0 / 60, 2.0 / 60, 5.0 / 60, 10.0 / 60, 20.0 / 60, 0.5, 1, 2});
     const double sample = std::min(decStep, field / 40.0);
+
+    // The declinations and right ascensions in reach of the image.
+    const double decLow = std::max(-90.0, decCentre - reach);
+    const double decHigh = std::min(90.0, decCentre + reach);
+    double raFrom = 0;
+    double raSpan = 24;
+    if (decHigh < 90 && decLow > -90) {
+        const double halfSpan = std::asin(std::min(1.0, std::sin(std::min(reach, 90.0) * kDeg) /
+                                                            std::cos(decCentre * kDeg))) /
+                                kDeg / 15.0;
+        if (reach < 90 && halfSpan < 12) {
+            raFrom = std::floor((raCentre - halfSpan) / raStep) * raStep;
+            raSpan = 2 * halfSpan + 2 * raStep;
+        }
+    }
+
     std::vector<PolylinePoint> points;
-    // Hour circles from pole to pole (not at the poles themselves, where they all meet).
-    const double decLimit = 90.0 - decStep / 2.0;
-    for (double ra = 0; ra < 24.0 - 1e-9; ra += raStep) {
+    // Hour circles, short of the poles where they all meet.
+    const double poleGap = decStep / 2.0;
+    const double dFrom = std::max(decLow, -90 + poleGap);
+    const double dTo = std::min(decHigh, 90 - poleGap);
+    for (double ra = raFrom; ra < raFrom + raSpan - 1e-9; ra += raStep) {
         bool first = true;
-        for (double dec = -decLimit; dec <= decLimit + 1e-9; dec += sample) {
-            points.push_back({ra, std::min(dec, decLimit), !first});
+        for (double dec = dFrom; dec < dTo + sample; dec += sample) {
+            points.push_back({ra, std::min(dec, dTo), !first});
             first = false;
         }
     }
     const double raSample = std::min(raStep, sample / 15.0 / cosDec);
-    for (double dec = -90 + decStep; dec < 90 - 1e-9; dec += decStep) {
+    for (double dec = std::ceil(decLow / decStep) * decStep; dec <= decHigh; dec += decStep) {
+        if (std::abs(dec) >= 90 - 1e-9)
+            continue;
         bool first = true;
-        for (double ra = 0; ra <= 24.0 + 1e-9; ra += raSample) {
-            points.push_back({ra, dec, !first});
+        for (double ra = raFrom; ra < raFrom + raSpan + raSample; ra += raSample) {
+            points.push_back({std::min(ra, raFrom + raSpan), dec, !first});
             first = false;
         }
     }
@@ -136,14 +187,21 @@ bool Inside(const Projection& proj, const ChartPoint& p)
 QColor SymbolColour(const Palette& pal, int code)
 {
     switch (code) {
-    case 1: return pal.galaxy;
-    case 2: return pal.cluster;
-    case 3: return pal.globular;
-    case 4: return pal.nebula;
-    case 5: return pal.planetary;
+    case 1:
+        return pal.galaxy;
+    case 2:
+        return pal.cluster;
+    case 3:
+        return pal.globular;
+    case 4:
+        return pal.nebula;
+    case 5:
+        return pal.planetary;
     case 6:
-    case 7: return pal.star;
-    default: return code >= 11 && code <= 23 ? pal.solar : pal.other;
+    case 7:
+        return pal.star;
+    default:
+        return code >= 11 && code <= 23 ? pal.solar : pal.other;
     }
 }
 
@@ -188,8 +246,8 @@ void DrawSymbol(QPainter& painter, int code, QPointF c, double d)
         painter.drawLine(QPointF(c.x() - r, c.y()), QPointF(c.x() + r, c.y()));
         break;
     case 22: { // asteroid: a diamond
-        const QPointF diamond[] = {{c.x(), c.y() - r}, {c.x() + r, c.y()}, {c.x(), c.y() + r},
-                                   {c.x() - r, c.y()}};
+        const QPointF diamond[] = {
+            {c.x(), c.y() - r}, {c.x() + r, c.y()}, {c.x(), c.y() + r}, {c.x() - r, c.y()}};
         painter.drawPolygon(diamond, 4);
         break;
     }
@@ -275,9 +333,8 @@ private:
 
 void DrawStamp(QPainter& painter, const QImage& stamp, double x, double y)
 {
-    painter.drawImage(QPointF(std::round(x - stamp.width() / 2.0),
-                              std::round(y - stamp.height() / 2.0)),
-                      stamp);
+    painter.drawImage(
+        QPointF(std::round(x - stamp.width() / 2.0), std::round(y - stamp.height() / 2.0)), stamp);
 }
 
 } // namespace
@@ -329,9 +386,9 @@ double DefaultLimitMagnitude(double fieldDeg)
 std::string DsoLabel(const std::string& extraId, const std::string& objectId)
 {
     const std::string extra = Trim(extraId);
-    if (!extra.empty() && extra.size() < 9 &&
-        std::all_of(extra.begin(), extra.end(),
-                    [](char c) { return std::isdigit(static_cast<unsigned char>(c)); }))
+    if (!extra.empty() && extra.size() < 9 && std::all_of(extra.begin(), extra.end(), [](char c) {
+            return std::isdigit(static_cast<unsigned char>(c));
+        }))
         return "M" + std::to_string(std::stoi(extra));
     if (!extra.empty())
         return extra;
@@ -369,7 +426,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
     }
     if (layers.grid) {
         painter.setPen(QPen(pal.grid, 0.8));
-        DrawGrid(painter, proj, decCentre);
+        DrawGrid(painter, proj, raCentre, decCentre);
     }
     if (layers.bounds) {
         painter.setPen(QPen(pal.bounds, 0.8, Qt::DashLine));
@@ -394,9 +451,9 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
             const ChartPoint p = proj.ProjectVector(s.v[0], s.v[1], s.v[2]);
             if (!Inside(proj, p))
                 continue;
-            const double r = std::min(
-                kFaintestStarRadius + kStarRadiusPerMag * (out.limitMag - s.mag),
-                kLargestStarRadius);
+            const double r =
+                std::min(kFaintestStarRadius + kStarRadiusPerMag * (out.limitMag - s.mag),
+                         kLargestStarRadius);
             DrawStamp(painter, stamps.Stamp(r), p.x, p.y);
             DrawnObject d;
             d.kind = DrawnKind::Star;
@@ -469,10 +526,10 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
                 d.name = o.label.empty() ? DsoLabel(o.extraId, o.objectId) : o.label;
                 const QColor colour = o.observed ? pal.observed : SymbolColour(pal, o.typeCode);
                 if (diameter <= SymbolStamps::kLargest) {
-                    DrawStamp(painter,
-                              symbols.Stamp(o.typeCode, colour,
-                                            static_cast<int>(std::lround(diameter))),
-                              p.x, p.y);
+                    DrawStamp(
+                        painter,
+                        symbols.Stamp(o.typeCode, colour, static_cast<int>(std::lround(diameter))),
+                        p.x, p.y);
                 } else {
                     painter.setPen(QPen(colour, 1.2));
                     DrawSymbol(painter, o.typeCode, c, diameter);

@@ -20,13 +20,13 @@ namespace charts {
 struct ChartLayers
 {
     bool stars = true;
-    bool names = true;    // star names
-    bool dso = true;      // the objects handed in by the caller
-    bool lines = true;    // constellation figures
-    bool bounds = true;   // constellation boundaries
-    bool conames = true;  // constellation names
+    bool names = true;   // star names
+    bool dso = true;     // the objects handed in by the caller
+    bool lines = true;   // constellation figures
+    bool bounds = true;  // constellation boundaries
+    bool conames = true; // constellation names
     bool milkyway = true;
-    bool grid = true;     // right ascension and declination lines
+    bool grid = true; // right ascension and declination lines
 };
 
 inline constexpr std::string_view kDefaultChartLayers =
@@ -55,13 +55,13 @@ struct PlotObject
 {
     double raHours = 0;
     double decDeg = 0;
-    int typeCode = 9;         // 1..23, the chart type codes; others draw as 9 (other)
-    double sizeArcmin = 1;    // 1 when unknown
-    std::string objectId;     // `ObjectID`
-    std::string extraId;      // Messier number or other name
-    std::string label;        // drawn instead of DsoLabel() when not empty
+    int typeCode = 9;      // 1..23, the chart type codes; others draw as 9 (other)
+    double sizeArcmin = 1; // 1 when unknown
+    std::string objectId;  // `ObjectID`
+    std::string extraId;   // Messier number or other name
+    std::string label;     // drawn instead of DsoLabel() when not empty
     bool observed = false;
-    int flag = 0;             // 1: a circle sizeArcmin across, not an object symbol
+    int flag = 0; // 1: a circle sizeArcmin across, not an object symbol
 };
 
 // The label of an object: "M<n>" for a numeric extra identifier, else the extra identifier,
@@ -72,41 +72,36 @@ struct ChartRequest
 {
     double raHours = 0;
     double decDeg = 0;
-    double fieldDeg = 35;                // clamped to 1..180
-    int width = 800;                     // pixels, clamped to 16..8192
+    double fieldDeg = 35; // clamped to 1..180
+    int width = 800;      // pixels, clamped to 16..8192
     int height = 600;
     ChartLayers layers;
-    std::optional<double> limitMag;      // blank: DefaultLimitMagnitude(field)
-    bool nightMode = false;              // red on black
+    std::optional<double> limitMag; // blank: DefaultLimitMagnitude(field)
+    bool nightMode = false;         // red on black
 };
 
-enum class DrawnKind
-{
-    Star,
-    Dso,
-    Circle
-};
+enum class DrawnKind { Star, Dso, Circle };
 
 struct DrawnObject
 {
     DrawnKind kind = DrawnKind::Star;
-    std::string id;            // "S<line>" for stars, `ObjectID` for objects
-    std::string name;          // star name, object label
-    int code = 0;              // type code of objects; 0 for stars
+    std::string id;   // "S<line>" for stars, `ObjectID` for objects
+    std::string name; // star name, object label
+    int code = 0;     // type code of objects; 0 for stars
     double raHours = 0;
     double decDeg = 0;
     std::optional<double> mag; // stars only
     double x = 0;              // pixels, centre
     double y = 0;
-    double r = 0;              // drawn radius, pixels
+    double r = 0; // drawn radius, pixels
 };
 
 struct ChartImage
 {
-    QImage image;              // null only when the image could not be allocated
+    QImage image; // null only when the image could not be allocated
     std::vector<DrawnObject> drawn;
-    double fieldDeg = 0;       // the field used, after clamping
-    double limitMag = 0;       // the faintest magnitude drawn
+    double fieldDeg = 0; // the field used, after clamping
+    double limitMag = 0; // the faintest magnitude drawn
 };
 
 // RenderChart: draws the chart of request with the sky's data and the caller's objects.

@@ -28,8 +28,7 @@ std::string ReadAll(const std::string& path)
     return std::string(std::istreambuf_iterator<char>(in), {});
 }
 
-template <typename T>
-T Get(const std::string& bytes, std::size_t at)
+template <typename T> T Get(const std::string& bytes, std::size_t at)
 {
     T value;
     std::memcpy(&value, bytes.data() + at, sizeof(T));

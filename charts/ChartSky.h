@@ -18,19 +18,19 @@ inline constexpr const char* kChartMilkyWayFileName = "milkyway.dat";
 
 struct ChartStar
 {
-    std::uint32_t id = 0;    // line number in the source star list; shown as "S<id>"
+    std::uint32_t id = 0; // line number in the source star list; shown as "S<id>"
     float raHours = 0;
     float decDeg = 0;
-    float mag = 0;           // V
-    float v[3] = {1, 0, 0};  // unit vector, for fast projection
-    std::string name;        // proper name, else the designation ("alp CMa"), else empty
+    float mag = 0;          // V
+    float v[3] = {1, 0, 0}; // unit vector, for fast projection
+    std::string name;       // proper name, else the designation ("alp CMa"), else empty
 };
 
 struct PolylinePoint
 {
     double raHours = 0;
     double decDeg = 0;
-    bool draw = false;       // false: a polyline starts here
+    bool draw = false; // false: a polyline starts here
 };
 
 struct ConstellationLabel
@@ -43,7 +43,7 @@ struct ConstellationLabel
 
 struct ChartSky
 {
-    std::vector<ChartStar> stars;   // brightest first
+    std::vector<ChartStar> stars; // brightest first
     std::vector<PolylinePoint> figures;
     std::vector<PolylinePoint> boundaries;
     std::vector<PolylinePoint> milkyWay;

@@ -34,10 +34,8 @@ void UnitVector(double raHours, double decDeg, double out[3])
 }
 
 Projection::Projection(double raHours, double decDeg, double fieldDeg, int width, int height)
-    : ra0_((std::isfinite(raHours) ? raHours : 0.0) * kHour),
-      field_(ClampField(fieldDeg)),
-      width_(std::max(1, width)),
-      height_(std::max(1, height)),
+    : ra0_((std::isfinite(raHours) ? raHours : 0.0) * kHour), field_(ClampField(fieldDeg)),
+      width_(std::max(1, width)), height_(std::max(1, height)),
       scale_(ProjectionScale(field_, width_, height_))
 {
     const double dec0 = std::clamp(std::isfinite(decDeg) ? decDeg : 0.0, -90.0, 90.0) * kDeg;
@@ -80,7 +78,7 @@ ChartPoint Projection::Project(double raHours, double decDeg) const
 SkyPosition Projection::Unproject(double x, double y) const
 {
     SkyPosition out;
-    const double u = (width_ / 2.0 - x) / scale_; // towards the east
+    const double u = (width_ / 2.0 - x) / scale_;  // towards the east
     const double v = (height_ / 2.0 - y) / scale_; // towards the north
     if (!std::isfinite(u) || !std::isfinite(v))
         return out;

@@ -26,15 +26,15 @@ struct ChartPoint
 {
     double x = 0;
     double y = 0;
-    double k = 0;          // the local scale factor: 1 at the centre, 2 at 90 degrees
-    bool drawn = false;    // false behind the observer (k above kMaxDrawnK or not a number)
+    double k = 0;       // the local scale factor: 1 at the centre, 2 at 90 degrees
+    bool drawn = false; // false behind the observer (k above kMaxDrawnK or not a number)
 };
 
 struct SkyPosition
 {
-    double raHours = 0;    // 0 <= raHours < 24
+    double raHours = 0; // 0 <= raHours < 24
     double decDeg = 0;
-    bool valid = false;    // false for a pixel outside the projected sphere (never here)
+    bool valid = false; // false for a pixel outside the projected sphere (never here)
 };
 
 // One chart's projection, with the centre's trigonometry worked out once.
@@ -58,7 +58,7 @@ public:
     SkyPosition Unproject(double x, double y) const;
 
 private:
-    double ra0_ = 0;   // radians
+    double ra0_ = 0; // radians
     double field_ = 0;
     int width_ = 1;
     int height_ = 1;

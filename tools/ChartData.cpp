@@ -111,8 +111,7 @@ std::vector<SourceStar> ReadStarList(const std::string& path)
     return stars;
 }
 
-template <typename T>
-void Put(std::string& out, T value)
+template <typename T> void Put(std::string& out, T value)
 {
     char bytes[sizeof(T)];
     std::memcpy(bytes, &value, sizeof(T));
@@ -173,9 +172,9 @@ std::string Point(char op, double raHours, double decDeg)
 double Separation(double ra1Hours, double dec1Deg, double ra2Hours, double dec2Deg)
 {
     constexpr double d = 3.14159265358979323846 / 180.0;
-    const double c = std::sin(dec1Deg * d) * std::sin(dec2Deg * d) +
-                     std::cos(dec1Deg * d) * std::cos(dec2Deg * d) *
-                         std::cos((ra1Hours - ra2Hours) * 15 * d);
+    const double c =
+        std::sin(dec1Deg * d) * std::sin(dec2Deg * d) +
+        std::cos(dec1Deg * d) * std::cos(dec2Deg * d) * std::cos((ra1Hours - ra2Hours) * 15 * d);
     return std::acos(std::clamp(c, -1.0, 1.0)) / d;
 }
 
