@@ -235,8 +235,7 @@ protected:
 
         char date[48];
         std::snprintf(date, sizeof date, "%04d-%02d-%02dT%02d:%02d:00", chart.moment.year,
-                      chart.moment.month, chart.moment.day, chart.moment.hour,
-                      chart.moment.minute);
+                      chart.moment.month, chart.moment.day, chart.moment.hour, chart.moment.minute);
         auto [ra, dec] = position(chart.raHours, chart.decDegrees);
 
         session.Expect("SETOBS " + CdcObservatory(chart.site));
@@ -339,12 +338,11 @@ protected:
     void Send(const PlanetariumChart& chart) override
     {
         const PlanetariumSite& site = chart.site;
-        Post("/api/location/setlocationfields",
-             Form({{"latitude", Plain(site.Plat)},
-                   {"longitude", Plain(-site.Plon)},
-                   {"altitude", "0"},
-                   {"name", site.name},
-                   {"planet", "Earth"}}));
+        Post("/api/location/setlocationfields", Form({{"latitude", Plain(site.Plat)},
+                                                      {"longitude", Plain(-site.Plon)},
+                                                      {"altitude", "0"},
+                                                      {"name", site.name},
+                                                      {"planet", "Earth"}}));
         Post("/api/main/time", Form({{"time", Plain(JulianDayUT(chart.moment, site))}}));
         double alpha = chart.raHours * kPi / 12;
         double delta = chart.decDegrees * kPi / 180;
@@ -364,8 +362,7 @@ protected:
             }
             std::string ra = ScriptString(StellariumRa(object.raHours));
             std::string dec = ScriptString(StellariumDec(object.decDegrees));
-            std::string label =
-                ScriptString(object.label.empty() ? object.ObjectID : object.label);
+            std::string label = ScriptString(object.label.empty() ? object.ObjectID : object.label);
             code += "MarkerMgr.markerEquatorial(" + ra + "," + dec +
                     ",true,true,\"circle\",\"#ff0000\",12);";
             code += "LabelMgr.labelEquatorial(" + label + "," + ra + "," + dec +
@@ -383,16 +380,15 @@ private:
             answer = services::HttpExchange({address_.host, address_.port}, "POST", target, form,
                                             timeout_);
         } catch (const services::HttpError& error) {
-            throw PlanetariumError(Where(address_) + " does not answer (" + error.what() +
-                                   ") to " + std::string(target) + ".");
+            throw PlanetariumError(Where(address_) + " does not answer (" + error.what() + ") to " +
+                                   std::string(target) + ".");
         }
         std::string body = answer.body;
         while (!body.empty() && std::isspace(static_cast<unsigned char>(body.back())))
             body.pop_back();
         if (answer.status != 200 || body != "ok") {
-            std::string reply = answer.status == 200
-                                    ? body
-                                    : "HTTP " + std::to_string(answer.status) + " " + body;
+            std::string reply =
+                answer.status == 200 ? body : "HTTP " + std::to_string(answer.status) + " " + body;
             throw PlanetariumError(Where(address_) + " answered \"" + reply + "\" to " +
                                    std::string(target) + ".");
         }
@@ -546,8 +542,8 @@ std::string CdcObservatory(const PlanetariumSite& site)
     auto angle = [](double degrees, int width) {
         long long seconds = std::llround(std::fabs(degrees) * 3600);
         char text[40];
-        std::snprintf(text, sizeof text, "%c%0*lldd%02lldm%02llds", degrees < 0 ? '-' : '+',
-                      width, seconds / 3600, seconds / 60 % 60, seconds % 60);
+        std::snprintf(text, sizeof text, "%c%0*lldd%02lldm%02llds", degrees < 0 ? '-' : '+', width,
+                      seconds / 3600, seconds / 60 % 60, seconds % 60);
         return std::string(text);
     };
     return "LAT:" + angle(site.Plat, 2) + "LON:" + angle(site.Plon, 3) + "ALT:0mOBS:" + site.name;
@@ -557,8 +553,8 @@ std::string CdcTimeZone(const PlanetariumSite& site)
 {
     double offset = ZoneOffsetHours(site);
     long long minutes = std::llround(std::fabs(offset) * 60);
-    std::string text = std::string("UTC") + (offset < 0 && minutes > 0 ? "-" : "+") +
-                       std::to_string(minutes / 60);
+    std::string text =
+        std::string("UTC") + (offset < 0 && minutes > 0 ? "-" : "+") + std::to_string(minutes / 60);
     if (minutes % 60 != 0) {
         char part[8];
         std::snprintf(part, sizeof part, ":%02lld", minutes % 60);
@@ -577,8 +573,8 @@ double JulianDayUT(const astro::LocalDateTime& moment, const PlanetariumSite& si
     long long doy = (153 * mp + 2) / 5 + moment.day - 1;
     long long doe = yoe * 365 + yoe / 4 - yoe / 100 + doy;
     long long days = era * 146097 + doe - 719468;
-    double hours = moment.hour + moment.minute / 60.0 + moment.second / 3600.0 -
-                   ZoneOffsetHours(site);
+    double hours =
+        moment.hour + moment.minute / 60.0 + moment.second / 3600.0 - ZoneOffsetHours(site);
     return 2440587.5 + static_cast<double>(days) + hours / 24.0;
 }
 

@@ -51,9 +51,9 @@ std::filesystem::path FindPlanetariumProgram(PlanetariumKind kind, std::string_v
 // The observing site as the bridge sends it.
 struct PlanetariumSite
 {
-    double Plat = 0;      // degrees, north positive
-    double Plon = 0;      // degrees, WEST positive
-    double PTz = 0;       // hours added to local time to give Universal Time
+    double Plat = 0;        // degrees, north positive
+    double Plon = 0;        // degrees, WEST positive
+    double PTz = 0;         // hours added to local time to give Universal Time
     std::string PStd = "S"; // "S" standard time; anything else: daylight time, one hour on
     std::string name = "Selvane";
 };
@@ -74,9 +74,9 @@ struct PlanetariumChart
     astro::LocalDateTime moment; // civil time of the site's zone, to the minute
     double raHours = 0;          // centre, J2000
     double decDegrees = 0;
-    double field = 35;           // degrees across; sent whole, clamped to 1..180
-    std::string heading;         // `TCaption`
-    std::string constellation;   // set by CDC_CenterOnConst: its three letters
+    double field = 35;         // degrees across; sent whole, clamped to 1..180
+    std::string heading;       // `TCaption`
+    std::string constellation; // set by CDC_CenterOnConst: its three letters
     std::vector<PlanetariumObject> objects;
 };
 
