@@ -22,9 +22,16 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "scope/HttpClient.h"
+#include "services/HttpClient.h"
 
 namespace scope {
+
+using services::HostPort;
+using services::HttpAnswer;
+using services::HttpError;
+using services::HttpExchange;
+using services::HttpFailure;
+using services::ParseHostPort;
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <string>
 #include <string_view>
 
-namespace scope {
+namespace services {
 
 // What went wrong with an exchange, as the caller words it for the user.
 enum class HttpFailure {
@@ -53,4 +53,8 @@ struct HttpAnswer
 HttpAnswer HttpExchange(const HostPort& server, std::string_view method, std::string_view target,
                         std::string_view formBody, std::chrono::milliseconds timeout);
 
-} // namespace scope
+// Opens a TCP connection within timeout, for line protocols of their own; the caller owns the
+// descriptor, which is non-blocking. Throws HttpError (Unreachable or Timeout).
+int TcpConnect(const HostPort& server, std::chrono::milliseconds timeout);
+
+} // namespace services

@@ -1,4 +1,4 @@
-#include "scope/HttpClient.h"
+#include "services/HttpClient.h"
 
 #include <algorithm>
 #include <cctype>
@@ -11,7 +11,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-namespace scope {
+namespace services {
 
 namespace {
 
@@ -261,6 +261,11 @@ std::optional<HostPort> ParseHostPort(std::string_view text)
     return HostPort{std::string(host), number};
 }
 
+int TcpConnect(const HostPort& server, std::chrono::milliseconds timeout)
+{
+    return Connect(server, Clock::now() + timeout);
+}
+
 HttpAnswer HttpExchange(const HostPort& server, std::string_view method, std::string_view target,
                         std::string_view formBody, std::chrono::milliseconds timeout)
 {
@@ -323,4 +328,4 @@ HttpAnswer HttpExchange(const HostPort& server, std::string_view method, std::st
     }
 }
 
-} // namespace scope
+} // namespace services
