@@ -70,8 +70,8 @@ PlotFileRequest ParsePlotFileArgs(const std::vector<std::string>& args)
             r.adds.push_back(*add);
             continue;
         }
-        std::optional<std::string>& slot = arg == "--open"  ? r.open
-                                           : arg == "--fov" ? r.fov
+        std::optional<std::string>& slot = arg == "--open"   ? r.open
+                                           : arg == "--fov"  ? r.fov
                                            : arg == "--name" ? r.name
                                                              : r.save;
         if (slot) {

@@ -15,10 +15,10 @@ namespace charts {
 namespace vb = services::vb;
 
 const std::vector<std::string> PlotTypes = {
-    "01 - Gal",     "02 - Ocl",    "03 - Gcl",     "04 - Dfn",     "05 - Pln",
-    "06 - Var",     "07 - Dbl",    "11 - Mercury", "12 - Venus",   "13 - Earth",
-    "14 - Mars",    "15 - Jupiter", "16 - Saturn", "17 - Uranus",  "18 - Neptune",
-    "19 - Pluto",   "20 - Sun",    "21 - Moon",    "22 - Asteroid", "23 - Comet",
+    "01 - Gal",   "02 - Ocl",     "03 - Gcl",     "04 - Dfn",      "05 - Pln",
+    "06 - Var",   "07 - Dbl",     "11 - Mercury", "12 - Venus",    "13 - Earth",
+    "14 - Mars",  "15 - Jupiter", "16 - Saturn",  "17 - Uranus",   "18 - Neptune",
+    "19 - Pluto", "20 - Sun",     "21 - Moon",    "22 - Asteroid", "23 - Comet",
 };
 
 namespace {
@@ -36,8 +36,8 @@ struct Sexagesimal
 
 Sexagesimal ToWholeSeconds(double whole, double minutes, double seconds, bool wrapAt24)
 {
-    double total = std::floor(std::fabs(whole) * 3600 + std::fabs(minutes) * 60 +
-                              std::fabs(seconds) + 0.5);
+    double total =
+        std::floor(std::fabs(whole) * 3600 + std::fabs(minutes) * 60 + std::fabs(seconds) + 0.5);
     if (!std::isfinite(total) || total > 1e12)
         total = 1e12;
     if (wrapAt24)
@@ -236,8 +236,8 @@ bool frmStPlot::LeaveField(PlotField field)
 bool frmStPlot::Command1_Click()
 {
     auto blank = [](const std::string& text) { return vb::Trim(text).empty(); };
-    const bool row1Used = !blank(txtRah) || !blank(txtram) || !blank(txtras) ||
-                          !blank(txtdecd) || !blank(txtdecm) || !blank(txtdecs);
+    const bool row1Used = !blank(txtRah) || !blank(txtram) || !blank(txtras) || !blank(txtdecd) ||
+                          !blank(txtdecm) || !blank(txtdecs);
     const bool row2Used =
         !blank(txtrah2) || !blank(txtram2) || !blank(txtdecd2) || !blank(txtdecm2);
     const bool second = row2Used && !row1Used;
@@ -271,8 +271,9 @@ bool frmStPlot::SSCommand2_Click()
         return false;
     if (name.size() < 4 || !vb::SameText(name.substr(name.size() - 4), ".plt"))
         name += ".PLT";
-    return services::Trap(ui_, "frmStPlot.SSCommand2_Click",
-                          [&] { WritePlotFile(name, {txtFov, txtObjName, List1}); });
+    return services::Trap(ui_, "frmStPlot.SSCommand2_Click", [&] {
+        WritePlotFile(name, {txtFov, txtObjName, List1});
+    });
 }
 
 bool frmStPlot::SSCommand3_Click()
@@ -304,10 +305,10 @@ bool frmStPlot::SSCommand4_Click(const PlotChartCalls& chart)
         draw.fieldDeg = static_cast<int>(std::fmax(-32768, std::fmin(32767, fov)));
         draw.heading = txtObjName;
         chart.DrawChart(draw);
-        const int typeCode =
-            cboType >= 0 && static_cast<std::size_t>(cboType) < PlotTypes.size()
-                ? static_cast<int>(vb::Val(PlotTypes[static_cast<std::size_t>(cboType)].substr(0, 2)))
-                : 0;
+        const int typeCode = cboType >= 0 && static_cast<std::size_t>(cboType) < PlotTypes.size()
+                                 ? static_cast<int>(vb::Val(
+                                       PlotTypes[static_cast<std::size_t>(cboType)].substr(0, 2)))
+                                 : 0;
         for (const std::string& entry : List1)
             chart.PlotDSO({ReadPlotEntry(entry), typeCode, txtObjName});
     });

@@ -56,8 +56,7 @@ struct PlotPosition
 PlotPosition ReadPlotEntry(const std::string& entry);
 
 // The input fields of frmStPlot that have a range check when they are left.
-enum class PlotField
-{
+enum class PlotField {
     txtRah,
     txtram,
     txtras,

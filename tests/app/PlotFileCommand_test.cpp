@@ -29,10 +29,10 @@ TEST(PlotFileCli, StepsSaveOpenAndStops)
     QTemporaryDir home;
     const QString base = home.filePath("night");
     // The save comes last although it is given first; the adds keep their order.
-    clitest::CliRun run = clitest::RunCli(
-        home.path(), {"plotfile", "--save", base, "--fov", "5", "--name", "Orion", "--add2",
-                      "5 35.3 -0 5.5 M 42", "--add", "0 42 44.3 41 16 9", "--add",
-                      "23 59 59.7 -00 59 59.6  a, b "});
+    clitest::CliRun run =
+        clitest::RunCli(home.path(), {"plotfile", "--save", base, "--fov", "5", "--name", "Orion",
+                                      "--add2", "5 35.3 -0 5.5 M 42", "--add", "0 42 44.3 41 16 9",
+                                      "--add", "23 59 59.7 -00 59 59.6  a, b "});
     EXPECT_EQ(run.exit, 0) << run.err;
     const Lines list = {"Entry", "05 35 18 | -00 05 30 | M 42", "00 42 44 | +41 16 09 | n/a",
                         "00 00 00 | -01 00 00 | a, b"};
@@ -53,7 +53,8 @@ TEST(PlotFileCli, StepsSaveOpenAndStops)
         QStringList args;
         const char* message;
     } stops[] = {
-        {{"--open", home.filePath("none.plt")}, "[E] The Following Error Has Occurred: File not found"},
+        {{"--open", home.filePath("none.plt")},
+         "[E] The Following Error Has Occurred: File not found"},
         {{"--add", "24 0 0 0 0 0"}, "[E] Invalid Input: Enter between 0 and 23"},
         {{"--add2", "1 2 89 60"}, "[E] Invalid Input: Enter between 0 and 59.9999"},
         {{"--add", "1 2 3 x 0 0"}, "[E] Invalid Input: Enter between -89 and 89"},

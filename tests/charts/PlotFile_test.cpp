@@ -75,11 +75,11 @@ TEST(ReadPlotEntry, ByPositionEvenWhenShifted)
 
     // A digit short at the front: every column is read one place off, without a word.
     const charts::PlotPosition shifted = charts::ReadPlotEntry("5 35 18 | -00 05 30 | M 42");
-    EXPECT_EQ(shifted.raHours, 5);                              // "5 "
-    EXPECT_DOUBLE_EQ(shifted.raMinutes, 5 + 8.0 / 60);          // "5 " and "8 "
-    EXPECT_EQ(shifted.decDegrees, 0);                           // "00 "
-    EXPECT_TRUE(shifted.north);                                 // column 12 is now a digit
-    EXPECT_EQ(shifted.decMinutes, 5);                           // "5 " and "0 "
+    EXPECT_EQ(shifted.raHours, 5);                     // "5 "
+    EXPECT_DOUBLE_EQ(shifted.raMinutes, 5 + 8.0 / 60); // "5 " and "8 "
+    EXPECT_EQ(shifted.decDegrees, 0);                  // "00 "
+    EXPECT_TRUE(shifted.north);                        // column 12 is now a digit
+    EXPECT_EQ(shifted.decMinutes, 5);                  // "5 " and "0 "
     EXPECT_EQ(shifted.name, "42");
 
     const charts::PlotPosition shortOne = charts::ReadPlotEntry("12 3");
@@ -150,12 +150,12 @@ TEST(PlotFile, RoundTripsAndFieldReading)
 
     // LF alone ends a line too; a comma ends a field, so a name with one splits, and the
     // fields run on across lines as Input # reads them.
-    const charts::PlotFileContents lf = charts::ReadPlotText(
-        "5\nA, B\n00 42 44 | +41 16 09 | M 31, Andromeda\n\"quoted, kept\"\n");
+    const charts::PlotFileContents lf =
+        charts::ReadPlotText("5\nA, B\n00 42 44 | +41 16 09 | M 31, Andromeda\n\"quoted, kept\"\n");
     EXPECT_EQ(lf.txtFov, "5");
     EXPECT_EQ(lf.txtObjName, "A");
-    EXPECT_EQ(lf.entries, (std::vector<std::string>{"B", "00 42 44 | +41 16 09 | M 31",
-                                                    "Andromeda", "quoted, kept"}));
+    EXPECT_EQ(lf.entries, (std::vector<std::string>{"B", "00 42 44 | +41 16 09 | M 31", "Andromeda",
+                                                    "quoted, kept"}));
 
     // A blank first line is an empty field of view, and blank lines among entries are skipped.
     const charts::PlotFileContents blank = charts::ReadPlotText("\r\nName\r\n\r\nx\r\n");
@@ -201,9 +201,12 @@ TEST(frmStPlot, AddSaveOpenAndChart)
     EXPECT_EQ(ui.shown.back().Text(), "Enter between 0 and 23");
     EXPECT_EQ(form.txtRah, "");
     EXPECT_EQ(form.focus, &form.txtRah);
-    for (auto [field, text] : {std::pair{PlotField::txtRah, "0"}, {PlotField::txtram, "42"},
-                               {PlotField::txtras, "44.3"}, {PlotField::txtdecd, "41"},
-                               {PlotField::txtdecm, "16"}, {PlotField::txtdecs, "9"}}) {
+    for (auto [field, text] : {std::pair{PlotField::txtRah, "0"},
+                               {PlotField::txtram, "42"},
+                               {PlotField::txtras, "44.3"},
+                               {PlotField::txtdecd, "41"},
+                               {PlotField::txtdecm, "16"},
+                               {PlotField::txtdecs, "9"}}) {
         form.Field(field) = text;
         EXPECT_TRUE(form.LeaveField(field));
     }

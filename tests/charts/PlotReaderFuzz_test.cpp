@@ -33,8 +33,7 @@ void Exercise(const std::string& bytes, const QTemporaryDir& dir)
         },
         [&](const charts::PlotDso& d) {
             ++calls;
-            EXPECT_TRUE(std::isfinite(d.position.raHours) &&
-                        std::isfinite(d.position.decDegrees));
+            EXPECT_TRUE(std::isfinite(d.position.raHours) && std::isfinite(d.position.decDegrees));
             EXPECT_FALSE(d.position.name.empty());
         }};
     form.SSCommand4_Click(chart);
