@@ -12,7 +12,8 @@
 // Earth of the high-precision series), sun, moon and moonphases YEAR (the Sun and the Moon for
 // the observing clock, the year's phases), ephem (a comet's or asteroid's places at even steps
 // of time), elements (comet and asteroid elements imported into AstComet.mdb), scope (the
-// telescope routines on the mount of telescopetype).
+// telescope routines on the mount of telescopetype), plotfile (the plot window: a plot file
+// opened, entries added, the file saved).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -28,6 +29,7 @@
 #include "app/LogCommand.h"
 #include "app/OutsideCommand.h"
 #include "app/PlanetsCommand.h"
+#include "app/PlotFileCommand.h"
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
@@ -236,6 +238,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunScopeCommand(TMM, start, args, std::cin, std::cout, clock);
           },
           app::ScopeUsage}},
+        {"plotfile",
+         {app::CheckPlotFileArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunPlotFileCommand(TMM.ui, args, std::cout);
+          },
+          app::PlotFileUsage}},
     };
     return commands;
 }
