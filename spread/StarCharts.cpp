@@ -161,20 +161,21 @@ public:
         return data::GetCatalogName(lookups_, catalog);
     }
 
-    // The Messier number of a row as its extra identifier, or "".
+    // The extra identifier of a row's label: its Messier number, else its other name.
     std::string ExtraId(const ChartRow& row)
     {
+        const std::string other = vb::Trim(row.OtherID);
         if (SolarSystemCatalog(row.Catalog) || vb::Trim(row.Catalog) == "2000" || !TMM_.objectDb)
-            return {};
+            return other;
         data::Recordset rs = TMM_.objectDb->OpenRecordset(
             "Select MessierNumber, Catalog From SelvaneTable Where Catalog = '" +
                 vb::QuoteForSql(vb::Trim(row.Catalog)) + "' and ObjectID = '" +
                 vb::QuoteForSql(vb::Trim(row.ObjectID)) + "'",
             data::Snapshot);
         if (rs.Eof())
-            return {};
+            return other;
         const long long messier = rs.Fields("MessierNumber").Long();
-        return messier > 0 ? std::to_string(messier) : std::string();
+        return messier > 0 ? std::to_string(messier) : other;
     }
 
     // The observers' notes of UserCatalog, when chartnotes is on.
