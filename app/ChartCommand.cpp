@@ -282,7 +282,8 @@ public:
                                       clock}
     {
         link_.ChartTarget = args.target;
-        link_.callLog = &callLog_;
+        if (args.calls)
+            link_.callLog = &callLog_;
         own_.Opened = [this](std::shared_ptr<charts::ChartDocument> document) {
             documents_.push_back(std::move(document));
         };
