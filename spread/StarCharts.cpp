@@ -5,10 +5,12 @@
 #include "data/ObjectFilter.h"
 #include "services/Fault.h"
 #include "services/Vb.h"
+#include "spread/LoadTheGrid.h"
 #include "spread/PortFaults.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <filesystem>
 #include <map>
 
@@ -197,8 +199,8 @@ public:
                 std::string& text = (*notes_)[Upper(rs.Fields("ObjectId").Value())];
                 if (text.empty())
                     text = "\\O\\L\\UOTHER LOGBOOK INFO\\L\\U";
-                text += "\\O" + rs.Fields("Author").Value() + " Notes\\D " +
-                        rs.Fields("Notes").Value();
+                text +=
+                    "\\O" + rs.Fields("Author").Value() + " Notes\\D " + rs.Fields("Notes").Value();
             }
         }
         const auto found = notes_->find(Upper(objectId));
@@ -621,6 +623,65 @@ std::optional<charts::ChartImage> PrintChart(ChartContext& c, const PrintChartOp
         c.link.CloseChart();
     });
     return picture;
+}
+
+// ---------------------------------------------------------------------------------------
+// The Virtual Moon Atlas
+
+namespace {
+
+// "+41d52m48s": sign, degrees, minutes and whole seconds, each of at least two digits.
+std::string AtlasAngle(double degrees)
+{
+    const long total = std::lround(std::fabs(degrees) * 3600);
+    return std::string(degrees < 0 ? "-" : "+") +
+           vb::Format(static_cast<double>(total / 3600), "00") + "d" +
+           vb::Format(static_cast<double>(total / 60 % 60), "00") + "m" +
+           vb::Format(static_cast<double>(total % 60), "00") + "s";
+}
+
+} // namespace
+
+std::optional<std::vector<std::string>> VirtualMoonArguments(const data::Preferences& prefs,
+                                                             const astro::Clock& computerClock)
+{
+    const astro::ObservingClock clock = ClockFrom(prefs);
+    const std::optional<astro::CivilDate> date = astro::ObservingDate(clock, computerClock);
+    if (!date)
+        return std::nullopt;
+    int hour = static_cast<int>(vb::Val(Mid(prefs.Ptime, 1, 2)));
+    int minute = static_cast<int>(vb::Val(Mid(prefs.Ptime, 4, 2)));
+    int second = 0;
+    if (prefs.UseRealTime == "Y") {
+        const astro::LocalDateTime now = computerClock.Now();
+        hour = now.hour;
+        minute = now.minute;
+        second = now.second;
+    }
+    const auto two = [](int n) { return vb::Format(n, "00"); };
+    char zone[32];
+    std::snprintf(zone, sizeof zone, "%g", -prefs.PTz + 0.0);
+    return std::vector<std::string>{
+        "-o", "LAT:" + AtlasAngle(prefs.Plat) + "LON:" + AtlasAngle(prefs.PLon) + "TZ:" + zone,
+        "-d",
+        std::to_string(date->year) + "-" + two(date->month) + "-" + two(date->day) + "T" +
+            two(hour) + ":" + two(minute) + ":" + two(second)};
+}
+
+void tolvmoon(ChartContext& c, const std::string& program,
+              const std::function<void(const std::string&, const std::vector<std::string>&)>& start)
+{
+    if (program.empty()) {
+        c.TMM.ui.ShowMessage(std::string("You need to first install the Virtual Moon Atlas.  "
+                                         "Click here to go to their website\n") +
+                                 kVirtualMoonSite,
+                             "Virtual Moon Atlas", "I");
+        return;
+    }
+    const std::optional<std::vector<std::string>> arguments =
+        VirtualMoonArguments(c.TMM.prefs, c.computerClock);
+    if (arguments)
+        start(program, *arguments);
 }
 
 // ---------------------------------------------------------------------------------------

@@ -141,6 +141,22 @@ std::optional<frmStarChart> CreateStarChartFromDatabase(ChartContext& c,
                                                         const std::string& objectID,
                                                         const std::string& catalogue);
 
+// The Virtual Moon Atlas (key tolvmoon): its program, found on the search path.
+inline constexpr const char* kVirtualMoonProgram = "virtualmoon";
+inline constexpr const char* kVirtualMoonSite = "https://www.ap-i.net/avl/en/start";
+// The arguments that open it on the site and the observing moment: "-o",
+// "LAT:+41d52m48sLON:+087d37m48sTZ:-6" (whole arc seconds, Plon as is, the time zone negated),
+// "-d", "2025-11-08T21:30:00". The moment is PDate and Ptime, or the computer clock under real
+// time; nothing when PDate is no date.
+std::optional<std::vector<std::string>> VirtualMoonArguments(const data::Preferences& prefs,
+                                                             const astro::Clock& computerClock);
+// tolvmoon: starts the atlas through start(program, arguments), or, when it is not installed
+// (program empty), says "You need to first install the Virtual Moon Atlas.  Click here to go to
+// their website" with the atlas's address.
+void tolvmoon(
+    ChartContext& c, const std::string& program,
+    const std::function<void(const std::string&, const std::vector<std::string>&)>& start);
+
 // The label of a finder panel.
 std::string FieldLabel(double fieldDeg);
 

@@ -190,3 +190,33 @@ TEST_F(StarChartsFixture, SelectedRowInfoWithNotesAndThePrintChartsCircles)
 }
 
 } // namespace
+
+namespace {
+
+TEST(VirtualMoonArguments, SiteZoneAndMoment)
+{
+    data::Preferences prefs;
+    prefs.Plat = 41.88;
+    prefs.PLon = 87.63;
+    prefs.PTz = 5.5;
+    prefs.PDate = "2025-11-08";
+    prefs.Ptime = "21:30";
+    const astro::FixedClock clock({2026, 1, 2, 3, 4, 5});
+    const auto args = spread::VirtualMoonArguments(prefs, clock);
+    ASSERT_TRUE(args.has_value());
+    EXPECT_EQ(*args, (std::vector<std::string>{"-o", "LAT:+41d52m48sLON:+87d37m48sTZ:-5.5", "-d",
+                                               "2025-11-08T21:30:00"}));
+    // South and east, under real time: the computer clock's moment.
+    prefs.Plat = -33.8651;
+    prefs.PLon = -151.2099;
+    prefs.PTz = -10;
+    prefs.UseRealTime = "Y";
+    EXPECT_EQ(*spread::VirtualMoonArguments(prefs, clock),
+              (std::vector<std::string>{"-o", "LAT:-33d51m54sLON:-151d12m36sTZ:10", "-d",
+                                        "2026-01-02T03:04:05"}));
+    prefs.UseRealTime = "N";
+    prefs.PDate = "not a date";
+    EXPECT_FALSE(spread::VirtualMoonArguments(prefs, clock).has_value());
+}
+
+} // namespace
