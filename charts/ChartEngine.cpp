@@ -355,6 +355,36 @@ void DrawStarDot(QPainter& painter, QPointF centre, double radius, const QColor&
     painter.drawEllipse(centre, radius, radius);
 }
 
+std::string StarLabel(const std::string& name)
+{
+    static constexpr std::pair<std::string_view, std::string_view> kGreek[] = {
+        {"alp", "α"}, {"bet", "β"}, {"gam", "γ"}, {"del", "δ"}, {"eps", "ε"}, {"zet", "ζ"},
+        {"eta", "η"}, {"the", "θ"}, {"iot", "ι"}, {"kap", "κ"}, {"lam", "λ"}, {"mu ", "μ"},
+        {"nu ", "ν"}, {"xi ", "ξ"}, {"omi", "ο"}, {"pi ", "π"}, {"rho", "ρ"}, {"sig", "σ"},
+        {"tau", "τ"}, {"ups", "υ"}, {"phi", "φ"}, {"chi", "χ"}, {"psi", "ψ"}, {"ome", "ω"}};
+    static constexpr std::string_view kSuperscripts[] = {"⁰", "¹", "²", "³", "⁴",
+                                                         "⁵", "⁶", "⁷", "⁸", "⁹"};
+    // A designation: the letter's three characters, an optional digit, the constellation.
+    std::string plain;
+    for (const char c : name)
+        if (c != ' ' || (!plain.empty() && plain.back() != ' '))
+            plain += c;
+    if (name.size() < 7)
+        return plain;
+    for (const auto& [abbreviation, letter] : kGreek) {
+        if (name.compare(0, 3, abbreviation) != 0)
+            continue;
+        std::string label(letter);
+        std::size_t at = 3;
+        if (std::isdigit(static_cast<unsigned char>(name[at])))
+            label += kSuperscripts[name[at++] - '0'];
+        while (at < name.size() && name[at] == ' ')
+            ++at;
+        return label + " " + name.substr(at);
+    }
+    return plain;
+}
+
 double StarDotRadius(double mag, double limitMag)
 {
     return std::min(kFaintestStarRadius + kStarRadiusPerMag * (limitMag - mag), kLargestStarRadius);
@@ -507,7 +537,8 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
             painter.setPen(pal.starNames);
             for (const ChartStar* s : named) {
                 const ChartPoint p = proj.ProjectVector(s->v[0], s->v[1], s->v[2]);
-                painter.drawText(QPointF(p.x + 4, p.y - 3), QString::fromStdString(s->name));
+                painter.drawText(QPointF(p.x + 4, p.y - 3),
+                                 QString::fromStdString(StarLabel(s->name)));
             }
         }
     }

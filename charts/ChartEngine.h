@@ -128,6 +128,10 @@ void DrawStarDot(QPainter& painter, QPointF centre, double radius, const QColor&
 // The radius in pixels of the dot of a star of magnitude mag on a chart to limitMag:
 //   0.6 + 0.55 (limitMag - mag), at most 7.
 double StarDotRadius(double mag, double limitMag);
+// A star's name as the chart writes it: a Bayer designation of the star list ("alp CMa",
+// "the1Tau", "pi 3Ori") with its Greek letter and a superscript ("α CMa", "θ¹ Tau", "π³ Ori");
+// proper names and other texts as they are, runs of blanks made one.
+std::string StarLabel(const std::string& name);
 // The colours the engine draws stars, the objects of typeCode and finder circles with.
 QColor StarColour(bool nightMode);
 QColor ObjectSymbolColour(int typeCode, bool nightMode);

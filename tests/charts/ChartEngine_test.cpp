@@ -169,6 +169,14 @@ TEST(DsoLabel, MessierNumbersExtraNamesAndIdentifiers)
     EXPECT_EQ(charts::DsoLabel("  ", " IC 434 "), "IC 434");
     EXPECT_EQ(charts::DsoLabel("-5", "X"), "-5");
     EXPECT_EQ(charts::DsoLabel("12345678901234", "X"), "12345678901234");
+
+    // Star names: Bayer designations get their Greek letter, proper names stay.
+    EXPECT_EQ(charts::StarLabel("alp CMa"), "α CMa");
+    EXPECT_EQ(charts::StarLabel("the1Tau"), "θ¹ Tau");
+    EXPECT_EQ(charts::StarLabel("pi 3Ori"), "π³ Ori");
+    EXPECT_EQ(charts::StarLabel("Betelgeuse"), "Betelgeuse");
+    EXPECT_EQ(charts::StarLabel("alpha"), "alpha");
+    EXPECT_EQ(charts::StarLabel("53  Eri"), "53 Eri");
 }
 
 // Betelgeuse lands where the projection puts it, and the dot is inked there, by day in black
