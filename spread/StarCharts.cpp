@@ -689,7 +689,8 @@ void tolvmoon(ChartContext& c, const std::string& program,
 
 std::string FieldLabel(double fieldDeg)
 {
-    return " Field of View is " + vb::Format(fieldDeg, "0.##") + " degrees.";
+    const bool whole = fieldDeg == std::floor(fieldDeg);
+    return " Field of View is " + vb::Format(fieldDeg, whole ? "0" : "0.##") + " degrees.";
 }
 
 void frmStarChart::ShowChart(ChartContext& c)

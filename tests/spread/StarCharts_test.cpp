@@ -216,6 +216,8 @@ TEST(VirtualMoonArguments, SiteZoneAndMoment)
                                         "2026-01-02T03:04:05"}));
     prefs.UseRealTime = "N";
     prefs.PDate = "not a date";
+    EXPECT_EQ(spread::FieldLabel(75), " Field of View is 75 degrees.");
+    EXPECT_EQ(spread::FieldLabel(2.25), " Field of View is 2.25 degrees.");
     EXPECT_FALSE(spread::VirtualMoonArguments(prefs, clock).has_value());
 }
 
