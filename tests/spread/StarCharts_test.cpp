@@ -193,7 +193,7 @@ TEST_F(StarChartsFixture, SelectedRowInfoWithNotesAndThePrintChartsCircles)
 
 namespace {
 
-TEST(VirtualMoonArguments, SiteZoneAndMoment)
+TEST(ChartTexts, VirtualMoonArgumentsAndFinderLabels)
 {
     data::Preferences prefs;
     prefs.Plat = 41.88;
