@@ -468,6 +468,17 @@ void ChartSOB(ChartContext& c, const std::string& target)
     });
 }
 
+void VSO2(ChartContext& c)
+{
+    ChartSOB(c, "C");
+}
+
+void VSOAll(ChartContext& c)
+{
+    c.link.ChartTarget = "C";
+    PlotAllObjects_Click(c);
+}
+
 void mnuSC_Click(ChartContext& c)
 {
     if (ChartOpen(c))

@@ -67,6 +67,10 @@ void PlotAllObjects_Click(ChartContext& c, bool centredOnSelected = false);
 // ChartSOB(target): sets ChartTarget and charts the selected row alone, centred on it, with the
 // selected-row info text (PlotandCenterSelectedObject_Click).
 void ChartSOB(ChartContext& c, const std::string& target);
+// VSO2 and VSOAll (keys vso and vsoall): the selected row, or every row of the tab, sent to the
+// planetarium (ChartTarget "C").
+void VSO2(ChartContext& c);
+void VSOAll(ChartContext& c);
 // mnuSC_Click: a chart centred on the selected row, with no objects.
 void mnuSC_Click(ChartContext& c);
 // PlotRaanddec: a chart on a position in decimal hours and degrees (a telescope's), without
