@@ -75,7 +75,7 @@ TEST_F(StartFixture, StepsInOrderEndWithTheMessierListWhateverTheFilters)
 {
     MakeObjectDatabase(f.objectPath);
     std::ofstream(f.dir.File("NEXSTAR.TMP")) << "x";
-    std::ofstream(f.dir.File("dso.dat")) << "chart open\n";
+    std::ofstream(f.dir.File("DSO.DAT")) << "chart open\n";
     std::ofstream(f.dir.File("Href.txt")) << "  40   H IV-58\r\n 129   H VIII-79\r\n";
     // A filter that would hold none of the Messier objects, and a saved session.
     TMM.settings.Save("Obcon", "Cyg-Cygnus;");
@@ -117,7 +117,7 @@ TEST_F(StartFixture, StepsInOrderEndWithTheMessierListWhateverTheFilters)
     EXPECT_EQ(page, 2);
 
     EXPECT_FALSE(std::filesystem::exists(f.dir.File("NEXSTAR.TMP")) ||
-                 std::filesystem::exists(f.dir.File("dso.dat")));
+                 std::filesystem::exists(f.dir.File("DSO.DAT")));
     ASSERT_EQ(TMM.herschel.size(), 2u);
     EXPECT_EQ(TMM.herschel[1].id + "|" + TMM.herschel[1].name, " 129|H VIII-79");
 
