@@ -7,6 +7,8 @@
 #include <QGuiApplication>
 #include <QTemporaryDir>
 
+#include "ChartFixtures.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -17,22 +19,11 @@
 
 namespace {
 
-// Text drawing needs the font database of a GUI application (the offscreen platform here).
-void EnsureApplication()
-{
-    if (QCoreApplication::instance())
-        return; // another file's tests made it
-    static int argc = 1;
-    static char name[] = "charts_tests";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication app(argc, argv);
-}
+using chartfixtures::EnsureGuiApplication;
 
-// The chart data the build makes from kstars-data.
 const charts::ChartSky& Sky()
 {
-    static const charts::ChartSky sky = charts::LoadChartSky(SELVANE_RESOURCE_DIR);
-    return sky;
+    return chartfixtures::ShippedSky();
 }
 
 const charts::ChartStar& StarNamed(const std::string& name)
@@ -183,7 +174,7 @@ TEST(DsoLabel, MessierNumbersExtraNamesAndIdentifiers)
 // and by night in red.
 TEST(RenderChart, KnownStarLandsOnItsPixel)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     const auto& star = StarNamed("Betelgeuse");
     for (bool night : {false, true}) {
         SCOPED_TRACE(night);
@@ -224,7 +215,7 @@ TEST(RenderChart, KnownStarLandsOnItsPixel)
 // object layers decide what is listed.
 TEST(RenderChart, LayersOnAndOff)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     std::vector<charts::PlotObject> objects(1);
     objects[0].raHours = 5.588;
     objects[0].decDeg = -5.39;
@@ -296,7 +287,7 @@ TEST(RenderChart, LayersOnAndOff)
 // nothing for positions that are not numbers.
 TEST(RenderChart, PlottedObjectsAndCircles)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     auto request = OrionRequest();
     request.layers = NoLayers();
     request.layers.dso = true;
@@ -327,7 +318,7 @@ TEST(RenderChart, PlottedObjectsAndCircles)
 // Bad requests draw something sensible instead of failing.
 TEST(RenderChart, BadRequestsAreClamped)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     charts::ChartRequest request;
     request.raHours = std::nan("");
     request.decDeg = 400;

@@ -8,6 +8,8 @@
 #include <QPainter>
 #include <QTemporaryDir>
 
+#include "ChartFixtures.h"
+
 #include <gtest/gtest.h>
 
 #include <cstdio>
@@ -19,21 +21,11 @@
 
 namespace {
 
-// Text drawing needs the font database of a GUI application (the offscreen platform here).
-void EnsureApplication()
-{
-    if (QCoreApplication::instance())
-        return; // another file's tests made it
-    static int argc = 1;
-    static char name[] = "charts_tests";
-    static char* argv[] = {name, nullptr};
-    static QGuiApplication app(argc, argv);
-}
+using chartfixtures::EnsureGuiApplication;
 
 const charts::ChartSky& Sky()
 {
-    static const charts::ChartSky sky = charts::LoadChartSky(SELVANE_RESOURCE_DIR);
-    return sky;
+    return chartfixtures::ShippedSky();
 }
 
 // The finder chart of M 42 with its eyepiece circle, 35 degrees, in day colours.
@@ -124,7 +116,7 @@ TEST(ChartPageTexts, CentreFieldAndLimit)
 
 TEST(WriteChartPdf, WritesSearchablePageOnEachPaper)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     QTemporaryDir dir;
     const charts::ChartImage chart = OrionChart(800, 600);
     struct Row
@@ -176,7 +168,7 @@ TEST(WriteChartPdf, WritesSearchablePageOnEachPaper)
 
 TEST(WriteChartPdf, UnwritablePathFaultsAndLeavesNoFile)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     QTemporaryDir dir;
     const std::filesystem::path folder = dir.path().toStdString();
     test_files::WriteText(folder / "plain", "x");
@@ -208,7 +200,7 @@ TEST(WriteChartPdf, UnwritablePathFaultsAndLeavesNoFile)
 
 TEST(PaintChartPage, StaysInsideItsRectangleWhateverTheShapes)
 {
-    EnsureApplication();
+    EnsureGuiApplication();
     // Pages of both orientations with wide, tall and missing pictures; before the picture was
     // limited to the room above the legend, a tall picture ran off the page.
     struct Row

@@ -7,7 +7,7 @@
 #include "services/ScriptedUiPort.h"
 #include "tests/data/TestDatabases.h"
 
-#include <QGuiApplication>
+#include "tests/charts/ChartFixtures.h"
 
 #include <gtest/gtest.h>
 
@@ -165,11 +165,7 @@ TEST_F(StarChartsFixture, SelectedRowInfoWithNotesAndThePrintChartsCircles)
 
     // Telrads and an eyepiece circle both asked for: the circle alone, flagged 1. The picture
     // is drawn with fonts, which need the GUI application.
-    static int argc = 1;
-    static char name[] = "spread_tests";
-    static char* argv[] = {name, nullptr};
-    if (!QCoreApplication::instance())
-        new QGuiApplication(argc, argv);
+    chartfixtures::EnsureGuiApplication();
     calls.clear();
     PrintChartOptions options;
     options.telrads = true;
