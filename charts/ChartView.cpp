@@ -3,6 +3,7 @@
 #include "charts/Projection.h"
 #include "services/Vb.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace charts {
@@ -21,18 +22,19 @@ std::optional<std::size_t> PickDrawnObject(const std::vector<DrawnObject>& drawn
                                            double y)
 {
     std::optional<std::size_t> best;
-    double bestDistance = 0;
+    double bestShare = 0;
     for (std::size_t i = 0; i < drawn.size(); ++i) {
         const DrawnObject& d = drawn[i];
-        const double distance = std::hypot(d.x - x, d.y - y);
-        if (!(distance <= d.r + kPickSlackPx))
+        const double reach = std::max(d.r, 0.0) + kPickSlackPx;
+        const double share = std::hypot(d.x - x, d.y - y) / reach;
+        if (!(share <= 1))
             continue;
-        const bool nearer = !best || distance < bestDistance ||
-                            (distance == bestDistance && drawn[*best].kind == DrawnKind::Star &&
+        const bool nearer = !best || share < bestShare ||
+                            (share == bestShare && drawn[*best].kind == DrawnKind::Star &&
                              d.kind != DrawnKind::Star);
         if (nearer) {
             best = i;
-            bestDistance = distance;
+            bestShare = share;
         }
     }
     return best;

@@ -26,11 +26,12 @@ double ZoomIn(double fieldDeg);
 double ZoomOut(double fieldDeg);
 
 // PickDrawnObject: the drawn thing a click at (x, y) pixels hits.
-// Returned: the index into drawn of the nearest thing whose centre is within its radius plus
-//   kPickSlackPx of the click; nothing when none is.
-// Notes: "nearest" is the distance to the centre, so a star inside a large nebula's outline is
-//   picked when the click lies nearer the star; on equal distances the object wins over the
-//   star, and the first drawn over the later.
+// Returned: the index into drawn of the nearest thing whose centre is within its reach (its
+//   drawn radius plus kPickSlackPx) of the click; nothing when none is.
+// Notes: "nearest" is the distance as a share of the reach, so a click on a nebula's centre
+//   picks the nebula rather than the star drawn there a pixel off (M 42 and theta-1 Orionis),
+//   while a click right on a star inside a large outline picks the star. On equal shares an
+//   object wins over a star, and the first drawn over a later one.
 std::optional<std::size_t> PickDrawnObject(const std::vector<DrawnObject>& drawn, double x,
                                            double y);
 

@@ -60,9 +60,10 @@ TEST(PickDrawnObject, NearestWithinRadiusPlusSlack)
         std::optional<std::size_t> picked;
     };
     const Row rows[] = {
-        {100, 100, 0},   // on the star, which lies nearer than the nebula's centre
-        {108, 100, 1},   // nearer the nebula
-        {100, 106.9, 1}, // 6.9 px from the star (radius 2 + 4 missed), inside M 42
+        {100, 100, 0},   // on the star, well inside M 42's reach too
+        {101, 100, 0},   // 1/6 of the star's reach, 4/14 of M 42's: the star
+        {104, 100, 1},   // nearer M 42's centre
+        {100, 106.9, 1}, // 6.9 px from the star (reach 2 + 4 missed), inside M 42
         {300, 354, 2},   // inside the circle, 4 px past its rim
         {300, 354.5, std::nullopt},
         {119, 100, 1},           // exactly radius + slack from M 42's centre
