@@ -147,6 +147,8 @@ public:
     }
 
     // The chart window's crosshair: a fault is shown and logged, and gives nothing.
+    // Deliberate: the mount's position goes on the J2000 chart unprecessed, as plotscope and
+    // PlotRaanddec chart it, so that the crosshair and the plotted position agree.
     std::optional<std::pair<double, double>> ReadCrosshair()
     {
         const std::optional<scope::ScopePosition> p =

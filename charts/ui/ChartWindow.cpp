@@ -214,8 +214,10 @@ void ChartWindow::SetNight(bool night)
 void ChartWindow::ViewChanged()
 {
     stale_ = true;
-    // Several changes in one pass of the event loop give one rendering.
-    render_->start(0);
+    // Several changes in one pass of the event loop give one rendering. After a failure (chart
+    // data missing) the window stays blank rather than report it at every resize.
+    if (!failed_)
+        render_->start(0);
 }
 
 ChartRequest ChartWindow::Request(int width, int height) const
@@ -245,7 +247,7 @@ void ChartWindow::RenderNow()
 
 const ChartImage& ChartWindow::Rendered()
 {
-    if (stale_ || render_->isActive())
+    if ((stale_ || render_->isActive()) && !failed_)
         RenderNow();
     return image_;
 }

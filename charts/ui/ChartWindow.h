@@ -125,6 +125,7 @@ private:
     ChartImage image_;
     double imageRa_ = 0, imageDec_ = 0, imageField_ = 0;
     bool stale_ = true;
+    bool failed_ = false;
     std::size_t seenObjects_ = 0;
     std::string seenHeading_;
     QPoint dragOffset_;

@@ -99,6 +99,7 @@ private:
     ChartImage image_;
     double field_ = 0;
     bool names_ = false;
+    bool failed_ = false;
 };
 
 frmStarChart::frmStarChart(services::UiPort& ui, std::function<const ChartSky&()> sky,
