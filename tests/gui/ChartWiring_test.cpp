@@ -7,6 +7,7 @@
 
 #include "app/ChartWiring.h"
 #include "charts/ui/ChartWindow.h"
+#include "charts/ui/frmGotoCon.h"
 #include "charts/ui/frmStPlot.h"
 #include "charts/ui/frmStarChart.h"
 #include "data/ObjectFilter.h"
@@ -195,6 +196,26 @@ TEST(ChartWiring, FinderOfTheSelectedRow)
     finder->SetActiveField(15);
     finder->resize(1050, 400);
     Save(*finder, "chart-finder.png");
+}
+
+// Go to Constellation: a click on a list entry charts that constellation.
+TEST(ChartWiring, GotoConstellationChartsTheEntry)
+{
+    ChartScreen s;
+    s.window->ab_ToolClick("mnugotocon");
+    Settle();
+    auto* chooser = s.window->findChild<charts::ui::frmGotoCon*>();
+    ASSERT_NE(chooser, nullptr);
+    EXPECT_EQ(chooser->Label1->text(),
+              "Select a constellation from the list above to go to that constellation.");
+    Click(*chooser->cboCon, "Ori-Orion");
+    Settle();
+    ASSERT_EQ(s.Charts().size(), 1);
+    const charts::ChartDocument& document = s.Charts().front()->Document();
+    EXPECT_EQ(document.constellation, "Ori");
+    // Orion's label lies near 5.6 h, +6 degrees.
+    EXPECT_NEAR(document.raHours, 5.6, 1.0);
+    EXPECT_NEAR(document.decDeg, 6, 10);
 }
 
 // The plot window of mnuplote: entries typed and added, then charted on the own chart.
