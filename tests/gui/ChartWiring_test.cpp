@@ -18,6 +18,8 @@
 
 #include <QAction>
 #include <QDir>
+#include <QFile>
+#include <QImage>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -164,6 +166,18 @@ TEST(ChartWiring, OwnChartWindowOfTheSelectedObject)
     s.window->ToggleNightVision();
     Settle();
     EXPECT_FALSE(chart->Night());
+
+    // Save PNG and Save PDF write the picture to the names the save dialog gives.
+    const QString png = QString::fromStdString(s.dir.File("m42.png").string());
+    const QString pdf = QString::fromStdString(s.dir.File("m42.pdf").string());
+    s.ui.saveAnswers = {png.toStdString(), pdf.toStdString()};
+    chart->cmdSavePng->trigger();
+    chart->cmdSavePdf->trigger();
+    const QImage saved(png);
+    EXPECT_EQ(saved.size(), chart->Canvas()->size());
+    QFile written(pdf);
+    ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(written.readAll().startsWith("%PDF-"));
 
     chart->close();
     Settle();
