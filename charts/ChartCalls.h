@@ -52,8 +52,8 @@ struct DrawChartCall
     std::string driver;         // telescopetype when the telescope is enabled, else ""
     std::uint8_t flag11 = 0;
     std::uint8_t flag12 = 1;
-    std::uint8_t delay = 0;  // ScopeDelay1 when the telescope is enabled, else 0
-    bool telescope = false;  // argument 14: the connected handle rather than an empty object
+    std::uint8_t delay = 0; // ScopeDelay1 when the telescope is enabled, else 0
+    bool telescope = false; // argument 14: the connected handle rather than an empty object
 };
 
 // The arguments of CenterOnConst: the constellation's first three characters, then DrawChart's
@@ -145,6 +145,8 @@ public:
     void Closed(const ChartDocument* document);
 
     const std::shared_ptr<ChartDocument>& Current() const { return current_; }
+    // The chart data, loaded on first use.
+    const ChartSky& Sky() const { return sky_(); }
     std::filesystem::path WorkFile() const { return programDir_ / kChartWorkFile; }
 
 private:

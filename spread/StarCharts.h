@@ -33,8 +33,8 @@ inline constexpr const char* kCdcSetDateLocation = "TMM.CDCSetDate";
 // The cells of one grid row that the charts read.
 struct ChartRow
 {
-    std::string observed, ObjectID, OtherID, Type, RA, Dec, Epoch, Rise, Transit, Set, Const,
-        Size, Mag1, Mag2, Catalog, ImagePath;
+    std::string observed, ObjectID, OtherID, Type, RA, Dec, Epoch, Rise, Transit, Set, Const, Size,
+        Mag1, Mag2, Catalog, ImagePath;
 };
 ChartRow ChartRowOf(const Grid& grid, int row);
 
@@ -79,12 +79,12 @@ void CenterOnConst(ChartContext& c, const std::string& entry);
 // The two ways of TMM.PrintChart's circles: eyepiece circles override telrads.
 struct PrintChartOptions
 {
-    double field = 15;      // degrees
+    double field = 15; // degrees
     bool blackAndWhite = false;
-    bool telrads = false;   // rings of 30, 120 and 240 arc minutes
+    bool telrads = false; // rings of 30, 120 and 240 arc minutes
     bool milkyWay = true;
-    int circle = 0;         // an eyepiece circle, arc minutes; 0 for none
-    int width = 1200;       // pixels
+    int circle = 0;   // an eyepiece circle, arc minutes; 0 for none
+    int width = 1200; // pixels
     int height = 1200;
 };
 // TMM.PrintChart: the chart of the selected row's object drawn without being shown, then
@@ -117,7 +117,7 @@ public:
     std::vector<charts::PlotObject> objects;
     // "01x", "03x", "07x", "10x", "15x".
     std::vector<std::string> zoomList;
-    bool fv = true;  // the toolbar's two display options
+    bool fv = true; // the toolbar's two display options
     bool mi = false;
 
     // ShowChart: sets the panels up and plots. Location: frmStarChart.ShowChart
