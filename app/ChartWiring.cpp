@@ -166,7 +166,6 @@ public:
             spread::CreateStarChartFromDatabase(c, cells.ObjectID, cells.Catalog);
         if (!finder)
             return;
-        finder->ShowChart(c);
         auto* window = new charts::ui::frmStarChart(
             ui_, [this]() -> const charts::ChartSky& { return Sky(); }, std::move(*finder),
             &window_);

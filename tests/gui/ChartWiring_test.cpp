@@ -6,6 +6,7 @@
 // chart-plotfile.png.
 
 #include "app/ChartWiring.h"
+#include "charts/ChartView.h"
 #include "charts/ui/ChartWindow.h"
 #include "charts/ui/frmGotoCon.h"
 #include "charts/ui/frmStPlot.h"
@@ -17,6 +18,7 @@
 #include "LogbookFolder.h"
 
 #include <QAction>
+#include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -45,6 +47,23 @@ void Save(QWidget& widget, const char* name)
     QDir().mkpath(folder);
     Settle();
     EXPECT_TRUE(widget.grab().save(QDir(folder).filePath(name))) << name;
+}
+
+// The windows of a type among the main window's children (the chart windows have no
+// meta-object of their own, so findChildren cannot tell them from other widgets).
+template <typename T> QList<T*> Windows(QObject& parent)
+{
+    QList<T*> found;
+    for (QWidget* widget : parent.findChildren<QWidget*>())
+        if (auto* window = dynamic_cast<T*>(widget))
+            found.push_back(window);
+    return found;
+}
+
+template <typename T> T* Window(QObject& parent)
+{
+    const QList<T*> found = Windows<T>(parent);
+    return found.isEmpty() ? nullptr : found.front();
 }
 
 struct ChartScreen : LogbookFolder
@@ -94,7 +113,7 @@ struct ChartScreen : LogbookFolder
             }
         ADD_FAILURE() << id << " is not in the grid";
     }
-    QList<ChartWindow*> Charts() const { return window->findChildren<ChartWindow*>(); }
+    QList<ChartWindow*> Charts() const { return Windows<ChartWindow>(*window); }
     fs::path WorkFile() const { return dir.path / "DSO.DAT"; }
 };
 
@@ -105,6 +124,18 @@ QPoint PixelOfObject(ChartWindow& chart, const std::string& id)
         if (d.kind == charts::DrawnKind::Dso && d.id == id)
             return {int(std::lround(d.x)), int(std::lround(d.y))};
     ADD_FAILURE() << id << " is not drawn";
+    return {};
+}
+
+// A pixel of the chart where a click hits nothing drawn.
+QPoint EmptySky(ChartWindow& chart)
+{
+    const std::vector<charts::DrawnObject>& drawn = chart.Rendered().drawn;
+    for (int y = 5; y < chart.Canvas()->height(); y += 7)
+        for (int x = 5; x < chart.Canvas()->width(); x += 7)
+            if (!charts::PickDrawnObject(drawn, x, y))
+                return {x, y};
+    ADD_FAILURE() << "no empty sky on the chart";
     return {};
 }
 
@@ -124,7 +155,8 @@ TEST(ChartWiring, OwnChartWindowOfTheSelectedObject)
     const charts::ChartDocument& document = chart->Document();
     ASSERT_FALSE(document.objects.empty());
     EXPECT_EQ(document.objects.front().objectId, "NGC 1976");
-    EXPECT_EQ(chart->windowTitle().toStdString(), document.heading);
+    EXPECT_EQ(chart->windowTitle().toStdString(),
+              document.heading.empty() ? charts::kProgramTitle : document.heading);
     // M 42 at J2000 5h 35.3m, -5 deg 23', to the grid's rounding.
     EXPECT_NEAR(chart->CentreRaHours(), 5.588, 0.02);
     EXPECT_NEAR(chart->CentreDecDeg(), -5.39, 0.1);
@@ -138,15 +170,15 @@ TEST(ChartWiring, OwnChartWindowOfTheSelectedObject)
     EXPECT_EQ(s.Charts().size(), 1);
 
     chart->SetField(35);
-    Save(*chart, "chart-m42-35.png");
     QTest::mouseClick(chart->Canvas(), Qt::LeftButton, {}, PixelOfObject(*chart, "NGC 1976"));
     ASSERT_FALSE(document.infos.empty());
     QTextBrowser expected;
     expected.setHtml(QString::fromStdString(charts::InfoTextHtml(document.infos.front())));
     EXPECT_FALSE(chart->txtInfo->toPlainText().trimmed().isEmpty());
     EXPECT_EQ(chart->txtInfo->toPlainText(), expected.toPlainText());
+    Save(*chart, "chart-m42-35.png");
     // A click on empty sky clears the panel.
-    QTest::mouseClick(chart->Canvas(), Qt::LeftButton, {}, {2, 2});
+    QTest::mouseClick(chart->Canvas(), Qt::LeftButton, {}, EmptySky(*chart));
     EXPECT_TRUE(chart->txtInfo->toPlainText().isEmpty());
 
     chart->cmdZoomIn->trigger();
@@ -197,9 +229,9 @@ TEST(ChartWiring, FinderOfTheSelectedRow)
     s.Select("NGC 1976");
     s.window->ab_ToolClick("mnufinder");
     Settle();
-    auto* finder = s.window->findChild<charts::ui::frmStarChart*>();
+    auto* finder = Window<charts::ui::frmStarChart>(*s.window);
     ASSERT_NE(finder, nullptr);
-    EXPECT_EQ(finder->txtLab[0]->text(), " Field of View is 75 degrees.");
+    EXPECT_EQ(finder->txtLab[0]->text().toStdString(), " Field of View is 75 degrees.");
     QTest::mouseClick(finder->picChart[1], Qt::LeftButton);
     EXPECT_EQ(finder->model.ActivePanel(), 1);
     EXPECT_EQ(finder->txtLab[1]->palette().color(QPalette::Window), QColor(255, 255, 255));
@@ -218,7 +250,7 @@ TEST(ChartWiring, GotoConstellationChartsTheEntry)
     ChartScreen s;
     s.window->ab_ToolClick("mnugotocon");
     Settle();
-    auto* chooser = s.window->findChild<charts::ui::frmGotoCon*>();
+    auto* chooser = Window<charts::ui::frmGotoCon>(*s.window);
     ASSERT_NE(chooser, nullptr);
     EXPECT_EQ(chooser->Label1->text(),
               "Select a constellation from the list above to go to that constellation.");
@@ -238,11 +270,12 @@ TEST(ChartWiring, PlotWindowChartsItsEntries)
     ChartScreen s;
     s.window->ab_ToolClick("mnuplote");
     Settle();
-    auto* plot = s.window->findChild<charts::ui::frmStPlot*>();
+    auto* plot = Window<charts::ui::frmStPlot>(*s.window);
     ASSERT_NE(plot, nullptr);
     EXPECT_EQ(plot->model.ChartTarget, "D");
     plot->txtFov->setText("20");
     plot->txtObjName->setText("Orion's belt");
+    plot->cboType->setCurrentIndex(6); // "07 - Dbl"
     const char* entries[][7] = {{"5", "40", "46", "-1", "56", "34", "Alnitak"},
                                 {"5", "36", "13", "-1", "12", "7", "Alnilam"},
                                 {"5", "32", "0", "-0", "17", "57", "Mintaka"}};
