@@ -3,7 +3,7 @@
 // the refusal of a second own chart, a click on the object, zoom and night colours, the finder
 // and the plot window. With SELVANE_SCREENSHOT_DIR naming a folder, the windows are saved there
 // as chart-m42-35.png, chart-m42-5.png, chart-night.png, chart-finder.png and
-// chart-plotfile.png.
+// chart-plotfile.png. The chart window alone is tried over a document filled by hand.
 
 #include "app/ChartWiring.h"
 #include "charts/ChartView.h"
@@ -12,6 +12,7 @@
 #include "charts/ui/frmStPlot.h"
 #include "charts/ui/frmStarChart.h"
 #include "data/ObjectFilter.h"
+#include "services/Vb.h"
 #include "spread/Grid.h"
 #include "spread/ui/GridModel.h"
 
@@ -19,15 +20,18 @@
 
 #include <QAction>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QDir>
 #include <QFile>
 #include <QImage>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMenu>
 #include <QPushButton>
 #include <QTableView>
 #include <QPointer>
 #include <QTextBrowser>
+#include <QTimer>
 
 #include <cmath>
 #include <filesystem>
@@ -295,6 +299,87 @@ TEST(ChartWiring, PlotWindowChartsItsEntries)
     EXPECT_EQ(document.objects[2].objectId, "Mintaka");
     EXPECT_LT(document.objects[2].decDeg, 0); // "-0 17" stays south
     EXPECT_NEAR(document.fieldDeg, 20, 1e-9);
+}
+
+// The chart window alone over a document filled by hand: the telescope's crosshair read every
+// second until a reading fails, and the object menu's Slew here, Centre and Add to plan.
+TEST(ChartWindow, CrosshairAndObjectMenu)
+{
+    App();
+    TestPort ui;
+    const charts::ChartSky sky = charts::LoadChartSky(SELVANE_RESOURCE_DIR);
+    auto document = std::make_shared<charts::ChartDocument>();
+    document->raHours = 5.588;
+    document->decDeg = -5.39;
+    document->fieldDeg = 20;
+    document->heading = "M 42";
+    document->crosshairDelay = 1;
+    charts::PlotObject m42;
+    m42.raHours = 5.588;
+    m42.decDeg = -5.39;
+    m42.typeCode = 4;
+    m42.sizeArcmin = 85;
+    m42.objectId = "NGC 1976";
+    document->objects = {m42};
+    document->infos = {""};
+
+    int reads = 0;
+    std::vector<std::string> slews, plans;
+    const charts::ChartDocument* closed = nullptr;
+    charts::ui::ChartWindowHooks hooks;
+    hooks.ReadTelescope = [&]() -> std::optional<std::pair<double, double>> {
+        // The third reading fails, as it does for a mount switched off.
+        if (++reads > 2)
+            return std::nullopt;
+        return std::pair{5.9, -2.0};
+    };
+    hooks.Slew = [&](double raHours, double decDeg, const std::string& id) {
+        slews.push_back(id + " " + services::vb::Format(raHours, "0.000") + " " +
+                        services::vb::Format(decDeg, "0.00"));
+    };
+    hooks.AddToPlan = [&](std::size_t index, const std::string& id) {
+        plans.push_back(std::to_string(index) + " " + id);
+    };
+    hooks.Closed = [&](const charts::ChartDocument* d) { closed = d; };
+    auto* chart = new ChartWindow(
+        ui, [&]() -> const charts::ChartSky& { return sky; }, document, hooks);
+    chart->show();
+
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reads == 2; }, 5000));
+    ASSERT_TRUE(chart->Crosshair().has_value());
+    EXPECT_NEAR(chart->Crosshair()->first, 5.9, 1e-12);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return reads == 3; }, 5000));
+    EXPECT_FALSE(chart->Crosshair().has_value());
+    QTest::qWait(1300);
+    EXPECT_EQ(reads, 3); // no reading after the failed one
+
+    // A right click on the object, then one entry of its menu.
+    const auto choose = [&](const QString& entry) {
+        QTimer::singleShot(0, [entry] {
+            auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
+            ASSERT_NE(menu, nullptr);
+            for (QAction* action : menu->actions())
+                if (action->text() == entry)
+                    QTest::mouseClick(menu, Qt::LeftButton, {},
+                                      menu->actionGeometry(action).center());
+        });
+        const QPoint at = PixelOfObject(*chart, "NGC 1976");
+        QContextMenuEvent event(QContextMenuEvent::Mouse, at, chart->Canvas()->mapToGlobal(at));
+        QApplication::sendEvent(chart->Canvas(), &event);
+        Settle();
+    };
+    chart->SetCentre(6.0, 0);
+    choose("Slew here");
+    EXPECT_EQ(slews, std::vector<std::string>{"NGC 1976 5.588 -5.39"});
+    choose("Add to plan");
+    EXPECT_EQ(plans, std::vector<std::string>{"0 NGC 1976"});
+    choose("Centre");
+    EXPECT_NEAR(chart->CentreRaHours(), 5.588, 1e-9);
+    EXPECT_NEAR(chart->CentreDecDeg(), -5.39, 1e-9);
+
+    chart->close();
+    Settle();
+    EXPECT_EQ(closed, document.get());
 }
 
 } // namespace
