@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "data/PreferenceRules.h"
+#include "services/ScriptedUiPort.h"
 
 #include <QLocale>
 
@@ -115,6 +116,17 @@ std::optional<std::vector<std::string>> SplitShellWords(const std::string& line)
     if (inWord)
         words.push_back(std::move(word));
     return words;
+}
+
+std::size_t ErrorsShown(const services::UiPort& ui)
+{
+    const auto* scripted = dynamic_cast<const services::ScriptedUiPort*>(&ui);
+    if (!scripted)
+        return 0;
+    std::size_t errors = 0;
+    for (const services::ScriptedUiPort::Shown& shown : scripted->shown)
+        errors += shown.message.kind == "E" ? 1 : 0;
+    return errors;
 }
 
 } // namespace app

@@ -1,10 +1,15 @@
 #pragma once
 // The command line of selvane-cli.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+namespace services {
+class UiPort;
+}
 
 namespace app {
 
@@ -36,5 +41,9 @@ std::string FixedDecimals(double x, int decimals);
 // keeps the next character.
 // Returned: nothing when a quote is left open or the line ends in a backslash.
 std::optional<std::vector<std::string>> SplitShellWords(const std::string& line);
+
+// The error messages (kind E, faults included) the command line's port has shown so far: a
+// command that shows one was refused or faulted. 0 for any other port.
+std::size_t ErrorsShown(const services::UiPort& ui);
 
 } // namespace app

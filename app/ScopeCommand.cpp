@@ -201,18 +201,6 @@ private:
     DriverWatch& watch_;
 };
 
-// The error messages shown so far: an action that shows one was refused or faulted.
-std::size_t ErrorsShown(const services::UiPort& ui)
-{
-    const auto* scripted = dynamic_cast<const services::ScriptedUiPort*>(&ui);
-    if (!scripted)
-        return 0;
-    std::size_t errors = 0;
-    for (const services::ScriptedUiPort::Shown& shown : scripted->shown)
-        errors += shown.message.kind == "E" ? 1 : 0;
-    return errors;
-}
-
 // The command's run: the telescope state, the toggle and the clicked row live as long as it.
 class ScopeSession
 {

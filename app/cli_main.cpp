@@ -13,11 +13,13 @@
 // the observing clock, the year's phases), ephem (a comet's or asteroid's places at even steps
 // of time), elements (comet and asteroid elements imported into AstComet.mdb), scope (the
 // telescope routines on the mount of telescopetype), plotfile (the plot window: a plot file
-// opened, entries added, the file saved).
+// opened, entries added, the file saved), chart (the chart commands: own charts drawn to
+// pictures, or sent to the planetarium).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
 #include "app/BackupCommand.h"
+#include "app/ChartCommand.h"
 #include "app/CliOptions.h"
 #include "app/ConstellationCommand.h"
 #include "app/ElementsCommand.h"
@@ -245,6 +247,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunPlotFileCommand(TMM.ui, args, std::cout);
           },
           app::PlotFileUsage}},
+        {"chart",
+         {app::CheckChartArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunChartCommand(TMM, start, args, std::cout, clock);
+          },
+          app::ChartUsage}},
     };
     return commands;
 }

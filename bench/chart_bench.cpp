@@ -5,9 +5,11 @@
 //    Budget: 1 s.
 // Reads the chart data from the build's resources folder.
 //
-// chart_bench [RESOURCES [PNG]]   (PNG: also save the plain chart and one with 300 objects)
+// chart_bench [RESOURCES [PNG [PDF]]]   (PNG: also save the chart with a few objects of every
+// type, by day and by night; PDF: also write its printable finder page)
 
 #include "charts/ChartEngine.h"
+#include "charts/ChartPage.h"
 
 #include <QGuiApplication>
 
@@ -104,6 +106,24 @@ int main(int argc, char** argv)
         charts::RenderChart(sky, request, some)
             .image.save(QString::fromLocal8Bit(argv[2]).replace(".png", "-night.png"));
         request.nightMode = false;
+    }
+    if (argc > 3) {
+        charts::ChartRequest finder = request;
+        finder.raHours = 5.588139;
+        finder.decDeg = -5.391111;
+        finder.fieldDeg = 35;
+        finder.width = 800;
+        finder.height = 600;
+        finder.limitMag.reset();
+        const charts::ChartImage chart = charts::RenderChart(sky, finder, objectsForPicture());
+        charts::ChartPageInfo info;
+        info.heading = "M 42  Orion Nebula";
+        info.raHours = finder.raHours;
+        info.decDeg = finder.decDeg;
+        info.fieldDeg = chart.fieldDeg;
+        info.limitMag = chart.limitMag;
+        info.date = "2025-11-08 21:30";
+        charts::WriteChartPdf(argv[3], chart, info);
     }
 
     std::mt19937 random(7);

@@ -176,6 +176,11 @@ public:
     void CDC_PlotDSO(const PlotDsoCall& call);
     // Sends the chart. Throws PlanetariumError.
     void EndChart();
+    // The chart gathered last, sent or not; nothing before the first.
+    const PlanetariumChart* LastChart() const
+    {
+        return planetarium_ ? &planetarium_->Chart() : nullptr;
+    }
 
 private:
     Planetarium& Current();

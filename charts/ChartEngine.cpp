@@ -27,6 +27,8 @@ constexpr double kStarRadiusPerMag = 0.55;
 constexpr double kFaintestStarRadius = 0.6;
 constexpr double kLargestStarRadius = 7.0;
 constexpr double kMinSymbolDiameter = 8.0;
+constexpr double kSymbolPenWidth = 1.2;
+constexpr double kCirclePenWidth = 1.5;
 
 struct Palette
 {
@@ -205,11 +207,78 @@ QColor SymbolColour(const Palette& pal, int code)
     }
 }
 
-// One object symbol of diameter d around c.
-void DrawSymbol(QPainter& painter, int code, QPointF c, double d)
+// Small symbols are drawn once per look into a transparent image and then stamped: stamping is
+// many times faster than stroking an antialiased outline, which matters with tens of thousands
+// of objects. The stamp lands within half a pixel of the exact position.
+class SymbolStamps
 {
-    const double r = d / 2.0;
-    switch (code) {
+public:
+    static constexpr int kLargest = 64;
+
+    // The stamp of a symbol of diameter (pixels, at most kLargest) in colour.
+    const QImage& Stamp(int code, QColor colour, int diameter)
+    {
+        const std::uint64_t key = (static_cast<std::uint64_t>(colour.rgba()) << 24) |
+                                  (static_cast<std::uint64_t>(code & 0xff) << 16) |
+                                  static_cast<std::uint64_t>(diameter);
+        auto found = stamps_.find(key);
+        if (found != stamps_.end())
+            return found->second;
+        const int side = diameter + 6 + (code == 23 ? diameter : 0);
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        DrawObjectSymbol(painter, code, QPointF(side / 2.0, side / 2.0), diameter / 2.0, colour);
+        painter.end();
+        return stamps_.emplace(key, std::move(image)).first->second;
+    }
+
+private:
+    std::unordered_map<std::uint64_t, QImage> stamps_;
+};
+
+// Star dots, one stamp per tenth of a pixel of radius.
+class StarStamps
+{
+public:
+    explicit StarStamps(QColor colour) : colour_(colour) {}
+
+    const QImage& Stamp(double radius)
+    {
+        const int tenths = static_cast<int>(std::lround(radius * 10));
+        auto found = stamps_.find(tenths);
+        if (found != stamps_.end())
+            return found->second;
+        const int side = static_cast<int>(std::ceil(tenths / 5.0)) + 3;
+        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        DrawStarDot(painter, QPointF(side / 2.0, side / 2.0), tenths / 10.0, colour_);
+        painter.end();
+        return stamps_.emplace(tenths, std::move(image)).first->second;
+    }
+
+private:
+    QColor colour_;
+    std::unordered_map<int, QImage> stamps_;
+};
+
+void DrawStamp(QPainter& painter, const QImage& stamp, double x, double y)
+{
+    painter.drawImage(
+        QPointF(std::round(x - stamp.width() / 2.0), std::round(y - stamp.height() / 2.0)), stamp);
+}
+
+} // namespace
+
+void DrawObjectSymbol(QPainter& painter, int typeCode, QPointF c, double r, const QColor& colour)
+{
+    const double d = 2.0 * r;
+    painter.setPen(QPen(colour, kSymbolPenWidth));
+    painter.setBrush(Qt::NoBrush);
+    switch (typeCode) {
     case 1: // galaxy: an ellipse
         painter.drawEllipse(c, r, r * 0.5);
         break;
@@ -257,11 +326,10 @@ void DrawSymbol(QPainter& painter, int code, QPointF c, double d)
                          QPointF(c.x() + r * 1.5, c.y() - r * 1.5));
         break;
     default:
-        if (code >= 11 && code <= 20) { // the Sun, the Moon and the planets: a disc
-            const QBrush brush = painter.brush();
-            painter.setBrush(painter.pen().color());
+        if (typeCode >= 11 && typeCode <= 20) { // the Sun, the Moon and the planets: a disc
+            painter.setBrush(colour);
             painter.drawEllipse(c, r, r);
-            painter.setBrush(brush);
+            painter.setBrush(Qt::NoBrush);
         } else { // anything else: a cross
             painter.drawLine(QPointF(c.x() - r, c.y() - r), QPointF(c.x() + r, c.y() + r));
             painter.drawLine(QPointF(c.x() - r, c.y() + r), QPointF(c.x() + r, c.y() - r));
@@ -269,75 +337,39 @@ void DrawSymbol(QPainter& painter, int code, QPointF c, double d)
     }
 }
 
-// Small symbols are drawn once per look into a transparent image and then stamped: stamping is
-// many times faster than stroking an antialiased outline, which matters with tens of thousands
-// of objects. The stamp lands within half a pixel of the exact position.
-class SymbolStamps
+void DrawFinderCircle(QPainter& painter, QPointF centre, double radius, const QColor& colour)
 {
-public:
-    static constexpr int kLargest = 64;
-
-    // The stamp of a symbol of diameter (pixels, at most kLargest) in colour.
-    const QImage& Stamp(int code, QColor colour, int diameter)
-    {
-        const std::uint64_t key = (static_cast<std::uint64_t>(colour.rgba()) << 24) |
-                                  (static_cast<std::uint64_t>(code & 0xff) << 16) |
-                                  static_cast<std::uint64_t>(diameter);
-        auto found = stamps_.find(key);
-        if (found != stamps_.end())
-            return found->second;
-        const int side = diameter + 6 + (code == 23 ? diameter : 0);
-        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(QPen(colour, 1.2));
-        painter.setBrush(Qt::NoBrush);
-        DrawSymbol(painter, code, QPointF(side / 2.0, side / 2.0), diameter);
-        painter.end();
-        return stamps_.emplace(key, std::move(image)).first->second;
-    }
-
-private:
-    std::unordered_map<std::uint64_t, QImage> stamps_;
-};
-
-// Star dots, one stamp per tenth of a pixel of radius.
-class StarStamps
-{
-public:
-    explicit StarStamps(QColor colour) : colour_(colour) {}
-
-    const QImage& Stamp(double radius)
-    {
-        const int tenths = static_cast<int>(std::lround(radius * 10));
-        auto found = stamps_.find(tenths);
-        if (found != stamps_.end())
-            return found->second;
-        const int side = static_cast<int>(std::ceil(tenths / 5.0)) + 3;
-        QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
-        image.fill(Qt::transparent);
-        QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(colour_);
-        painter.drawEllipse(QPointF(side / 2.0, side / 2.0), tenths / 10.0, tenths / 10.0);
-        painter.end();
-        return stamps_.emplace(tenths, std::move(image)).first->second;
-    }
-
-private:
-    QColor colour_;
-    std::unordered_map<int, QImage> stamps_;
-};
-
-void DrawStamp(QPainter& painter, const QImage& stamp, double x, double y)
-{
-    painter.drawImage(
-        QPointF(std::round(x - stamp.width() / 2.0), std::round(y - stamp.height() / 2.0)), stamp);
+    painter.setPen(QPen(colour, kCirclePenWidth));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawEllipse(centre, radius, radius);
 }
 
-} // namespace
+void DrawStarDot(QPainter& painter, QPointF centre, double radius, const QColor& colour)
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawEllipse(centre, radius, radius);
+}
+
+double StarDotRadius(double mag, double limitMag)
+{
+    return std::min(kFaintestStarRadius + kStarRadiusPerMag * (limitMag - mag), kLargestStarRadius);
+}
+
+QColor StarColour(bool nightMode)
+{
+    return (nightMode ? NightPalette() : DayPalette()).stars;
+}
+
+QColor ObjectSymbolColour(int typeCode, bool nightMode)
+{
+    return SymbolColour(nightMode ? NightPalette() : DayPalette(), typeCode);
+}
+
+QColor FinderCircleColour(bool nightMode)
+{
+    return (nightMode ? NightPalette() : DayPalette()).circle;
+}
 
 ParsedChartLayers ParseChartLayers(std::string_view text)
 {
@@ -451,9 +483,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
             const ChartPoint p = proj.ProjectVector(s.v[0], s.v[1], s.v[2]);
             if (!Inside(proj, p))
                 continue;
-            const double r =
-                std::min(kFaintestStarRadius + kStarRadiusPerMag * (out.limitMag - s.mag),
-                         kLargestStarRadius);
+            const double r = StarDotRadius(s.mag, out.limitMag);
             DrawStamp(painter, stamps.Stamp(r), p.x, p.y);
             DrawnObject d;
             d.kind = DrawnKind::Star;
@@ -517,8 +547,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
                 d.kind = DrawnKind::Circle;
                 d.r = across / 2.0;
                 d.name = o.label.empty() ? DsoLabel(o.extraId, o.objectId) : o.label;
-                painter.setPen(QPen(pal.circle, 1.5));
-                painter.drawEllipse(c, d.r, d.r);
+                DrawFinderCircle(painter, c, d.r, pal.circle);
             } else {
                 d.kind = DrawnKind::Dso;
                 const double diameter = std::max(across, kMinSymbolDiameter);
@@ -531,8 +560,7 @@ ChartImage RenderChart(const ChartSky& sky, const ChartRequest& request,
                         symbols.Stamp(o.typeCode, colour, static_cast<int>(std::lround(diameter))),
                         p.x, p.y);
                 } else {
-                    painter.setPen(QPen(colour, 1.2));
-                    DrawSymbol(painter, o.typeCode, c, diameter);
+                    DrawObjectSymbol(painter, o.typeCode, c, d.r, colour);
                 }
                 painter.setPen(colour);
                 painter.drawText(QPointF(p.x + d.r + 2, p.y + d.r + 2),

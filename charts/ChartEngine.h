@@ -7,12 +7,16 @@
 
 #include "charts/ChartSky.h"
 
+#include <QColor>
 #include <QImage>
+#include <QPointF>
 
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
+
+class QPainter;
 
 namespace charts {
 
@@ -103,6 +107,31 @@ struct ChartImage
     double fieldDeg = 0; // the field used, after clamping
     double limitMag = 0; // the faintest magnitude drawn
 };
+
+// The drawing of single chart marks, shared by the engine and by keys printed beside a chart so
+// that a key always shows what the chart shows. Lengths are in the painter's units (pixels of
+// the chart image when the painter is not scaled); each routine sets the pen and brush it needs
+// and leaves them set.
+
+// DrawObjectSymbol: the symbol of an object of typeCode (the chart type codes 1..23; others
+// draw as 9, a cross) of the given radius around centre, outlined in colour.
+// Notes: galaxy an ellipse, open cluster a dotted circle, globular a circle with a cross, nebula
+//   a square, planetary nebula a small circle with four ticks, variable star two rings, double
+//   star a ring on a bar, the Sun, Moon and planets (11..20) a disc, asteroid a diamond, comet a
+//   disc with a tail reaching 1.5 radii up and to the right.
+void DrawObjectSymbol(QPainter& painter, int typeCode, QPointF centre, double radius,
+                      const QColor& colour);
+// The eyepiece or finder circle of a plotted circle (PlotObject::flag 1).
+void DrawFinderCircle(QPainter& painter, QPointF centre, double radius, const QColor& colour);
+// A star dot: a filled disc without outline.
+void DrawStarDot(QPainter& painter, QPointF centre, double radius, const QColor& colour);
+// The radius in pixels of the dot of a star of magnitude mag on a chart to limitMag:
+//   0.6 + 0.55 (limitMag - mag), at most 7.
+double StarDotRadius(double mag, double limitMag);
+// The colours the engine draws stars, the objects of typeCode and finder circles with.
+QColor StarColour(bool nightMode);
+QColor ObjectSymbolColour(int typeCode, bool nightMode);
+QColor FinderCircleColour(bool nightMode);
 
 // RenderChart: draws the chart of request with the sky's data and the caller's objects.
 // Status: never throws on bad input: fields, sizes and a centre declination out of range are

@@ -247,6 +247,10 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("dssHeight", "dssHeight", p.dssHeight, S("15"));
     visit("dssWidth", "dssWidth", p.dssWidth, S("15"));
     visit("dssSurvey", "dssSurvey", p.dssSurvey, S("3"));
+    visit("chartlayers", "chartlayers", p.chartlayers,
+          S("stars,names,dso,lines,bounds,conames,milkyway,grid"));
+    visit("chartmag", "chartmag", p.chartmag, S());
+    visit("planetarium", "planetarium", p.planetarium, S("cdc://127.0.0.1:3292"));
 
     visit("FIRST", "FIRST", p.FIRST, true);
     visit("maintab", "maintab", p.maintab, 0);

@@ -138,6 +138,11 @@ struct Preferences
     std::string dssHeight = "15";
     std::string dssWidth = "15";
     std::string dssSurvey = "3";
+    // The layers of the own charts, comma-separated; the faintest star magnitude drawn (blank:
+    // by the field); the outside planetarium, "cdc://HOST:PORT" or "stellarium://HOST:PORT".
+    std::string chartlayers = "stars,names,dso,lines,bounds,conames,milkyway,grid";
+    std::string chartmag;
+    std::string planetarium = "cdc://127.0.0.1:3292";
 
     // Other.
     bool FIRST = true;

@@ -496,6 +496,45 @@ void CenterOnConst(ChartContext& c, const std::string& entry)
     });
 }
 
+bool ChartPlotFile(ChartContext& c, charts::frmStPlot& form)
+{
+    c.link.ChartTarget = form.ChartTarget;
+    if (form.List1.empty() || ChartOpen(c))
+        return false;
+    // The centre's sign of "-00" is the first entry's: the chart call has no north flag.
+    const bool south = !charts::ReadPlotEntry(form.List1.front()).north;
+    bool charted = false;
+    RunChart(c, kPlotAllLocation, [&] {
+        charts::PlotChartCalls calls;
+        calls.DrawChart = [&](const charts::PlotDrawChart& draw) {
+            Split centre{draw.raHours, draw.raMinutes, draw.decDegrees, draw.decMinutes};
+            if (south && centre.decDegrees == 0)
+                centre.decMinutes = -std::fabs(centre.decMinutes);
+            const data::Preferences& p = c.TMM.prefs;
+            const std::string heading = p.TCaption;
+            c.TMM.prefs.TCaption = draw.heading;
+            OpenChart(c, centre, static_cast<std::int16_t>(std::clamp(draw.fieldDeg, 1, 180)));
+            c.TMM.prefs.TCaption = heading;
+        };
+        calls.PlotDSO = [&](const charts::PlotDso& dso) {
+            charts::PlotDsoCall call;
+            call.raHours = dso.position.raHours;
+            call.raMinutes = dso.position.raMinutes;
+            call.decDegrees = dso.position.decDegrees;
+            call.decMinutes = dso.position.decMinutes;
+            call.north = dso.position.north ? 1 : 0;
+            call.type = static_cast<std::uint8_t>(std::clamp(dso.typeCode, 0, 255));
+            call.objectId = dso.position.name;
+            call.extraId = dso.label;
+            Plot(c, call);
+        };
+        charted = form.SSCommand4_Click(calls);
+        if (charted)
+            EndChart(c);
+    });
+    return charted;
+}
+
 std::optional<charts::ChartImage> PrintChart(ChartContext& c, const PrintChartOptions& options)
 {
     c.link.ChartTarget = "D";

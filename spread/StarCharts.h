@@ -11,6 +11,7 @@
 
 #include "astro/ObservingClock.h"
 #include "charts/ChartCalls.h"
+#include "charts/PlotFile.h"
 #include "spread/AppState.h"
 
 #include <QImage>
@@ -75,6 +76,10 @@ void PlotRaanddec(ChartContext& c, double raHours, double decDegrees);
 // frmGotoCon's click: centres on the constellation of the list entry's first three characters.
 // Location: frmGotoCon.cboCon_Click
 void CenterOnConst(ChartContext& c, const std::string& entry);
+
+// frmStPlot's Chart button: the plot window's entries charted in the engine of its ChartTarget,
+// with the telescope when it is enabled. Returned: false when it stopped.
+bool ChartPlotFile(ChartContext& c, charts::frmStPlot& form);
 
 // The two ways of TMM.PrintChart's circles: eyepiece circles override telrads.
 struct PrintChartOptions

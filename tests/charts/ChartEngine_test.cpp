@@ -20,6 +20,8 @@ namespace {
 // Text drawing needs the font database of a GUI application (the offscreen platform here).
 void EnsureApplication()
 {
+    if (QCoreApplication::instance())
+        return; // another file's tests made it
     static int argc = 1;
     static char name[] = "charts_tests";
     static char* argv[] = {name, nullptr};
