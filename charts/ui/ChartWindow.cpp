@@ -1,5 +1,6 @@
 #include "charts/ui/ChartWindow.h"
 
+#include "charts/ChartPage.h"
 #include "charts/ChartView.h"
 #include "charts/Projection.h"
 #include "services/Fault.h"
@@ -14,7 +15,6 @@
 #include <QMouseEvent>
 #include <QPageLayout>
 #include <QPainter>
-#include <QPdfWriter>
 #include <QPrintDialog>
 #include <QPrinter>
 #include <QSplitter>
@@ -24,7 +24,9 @@
 #include <QVBoxLayout>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
+#include <filesystem>
 
 namespace charts::ui {
 
@@ -40,6 +42,10 @@ constexpr int kDocumentCheckMs = 250;
 // A press and release closer than this, in pixels, is a click rather than a drag.
 constexpr int kClickTolerancePx = 3;
 constexpr int kCrosshairArmPx = 14;
+// The picture of a printed or saved page, at most this many pixels across and down: the
+// engine draws its marks in pixels, so a larger picture would print them too small to read.
+constexpr int kPageWidthPx = 1200;
+constexpr int kPageHeightPx = 900;
 
 } // namespace
 
@@ -343,43 +349,54 @@ void ChartWindow::SavePng()
         ui_.ShowMessage("The chart could not be saved to " + file, "Save Chart", "E");
 }
 
+ChartImage ChartWindow::PageChart(int width, int height) const
+{
+    // Paper takes day colours, whatever the screen shows; the picture keeps the canvas' shape.
+    const double aspect = double(std::max(canvas_->width(), 1)) / std::max(canvas_->height(), 1);
+    const int w = aspect >= double(width) / height ? width : int(std::lround(height * aspect));
+    const int h = aspect >= double(width) / height ? int(std::lround(width / aspect)) : height;
+    ChartRequest request = Request(std::clamp(w, 16, 8192), std::clamp(h, 16, 8192));
+    request.nightMode = false;
+    return RenderChart(sky_(), request, document_->objects);
+}
+
+ChartPageInfo ChartWindow::PageInfo(const ChartImage& chart) const
+{
+    ChartPageInfo info;
+    info.heading = windowTitle().toStdString();
+    info.raHours = raHours_;
+    info.decDeg = decDeg_;
+    info.fieldDeg = chart.fieldDeg;
+    info.limitMag = chart.limitMag;
+    info.landscape = canvas_->width() > canvas_->height();
+    return info;
+}
+
 void ChartWindow::SavePdf()
 {
     const std::string file =
         ui_.AskSaveFile("Save Chart", "PDF files (*.pdf)", "pdf", document_->heading + ".pdf");
     if (file.empty())
         return;
-    const ChartImage& image = Rendered();
-    QPdfWriter pdf(Q(file));
-    pdf.setTitle(windowTitle());
-    pdf.setPageOrientation(image.image.width() > image.image.height() ? QPageLayout::Landscape
-                                                                      : QPageLayout::Portrait);
-    QPainter painter;
-    if (!painter.begin(&pdf)) {
-        ui_.ShowMessage("The chart could not be saved to " + file, "Save Chart", "E");
-        return;
-    }
-    const QRect page = painter.viewport();
-    const QSize fitted = image.image.size().scaled(page.size(), Qt::KeepAspectRatio);
-    painter.drawImage(QRect(page.topLeft(), fitted), image.image);
-    painter.end();
+    services::Trap(ui_, "ChartWindow.SavePdf", [&] {
+        const ChartImage chart = PageChart(kPageWidthPx, kPageHeightPx);
+        WriteChartPdf(std::filesystem::path(file), chart, PageInfo(chart));
+    });
 }
 
 void ChartWindow::PrintChart()
 {
     QPrinter printer(QPrinter::HighResolution);
     printer.setDocName(windowTitle());
+    printer.setPageOrientation(canvas_->width() > canvas_->height() ? QPageLayout::Landscape
+                                                                    : QPageLayout::Portrait);
     QPrintDialog dialog(&printer, this);
     if (dialog.exec() != QDialog::Accepted)
         return;
-    // The print is drawn for the page, in day colours: black ink on white paper.
-    const QRect page = printer.pageLayout().paintRectPixels(printer.resolution());
-    ChartRequest request = Request(std::min(page.width(), 8192), std::min(page.height(), 8192));
-    request.nightMode = false;
     services::Trap(ui_, "ChartWindow.PrintChart", [&] {
-        const ChartImage printed = RenderChart(sky_(), request, document_->objects);
+        const ChartImage chart = PageChart(kPageWidthPx, kPageHeightPx);
         QPainter painter(&printer);
-        painter.drawImage(QPoint(0, 0), printed.image);
+        PaintChartPage(painter, QRectF(painter.viewport()), chart, PageInfo(chart));
     });
 }
 

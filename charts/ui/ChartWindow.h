@@ -6,6 +6,7 @@
 
 #include "charts/ChartCalls.h"
 #include "charts/ChartEngine.h"
+#include "charts/ChartPage.h"
 
 #include <QImage>
 #include <QPoint>
@@ -105,6 +106,9 @@ private:
     void SavePdf();
     void PrintChart();
     ChartRequest Request(int width, int height) const;
+    // The chart of a saved or printed page, in day colours, within width x height pixels.
+    ChartImage PageChart(int width, int height) const;
+    ChartPageInfo PageInfo(const ChartImage& chart) const;
 
     services::UiPort& ui_;
     std::function<const ChartSky&()> sky_;
