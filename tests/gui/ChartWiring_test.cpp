@@ -35,6 +35,7 @@
 
 #include <cmath>
 #include <filesystem>
+#include <fstream>
 
 #include <gtest/gtest.h>
 
@@ -72,6 +73,8 @@ template <typename T> T* Window(QObject& parent)
 
 struct ChartScreen : LogbookFolder
 {
+    // A DSO.DAT left behind by an earlier run, which the start deletes.
+    bool leftover = (std::ofstream(dir.File("DSO.DAT")) << "left\n", true);
     TestPort ui;
     spread::AppState state{ui, dir, data::SettingsStore(dir.File("Selvane2000.ini"))};
     astro::FixedClock clock{{2024, 1, 15, 21, 0, 0}};
@@ -149,6 +152,7 @@ QPoint EmptySky(ChartWindow& chart)
 TEST(ChartWiring, OwnChartWindowOfTheSelectedObject)
 {
     ChartScreen s;
+    EXPECT_FALSE(fs::exists(s.WorkFile()));
     s.Select("NGC 1976");
     s.window->ab_ToolClick("chartsob");
     Settle();
