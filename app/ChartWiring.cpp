@@ -35,11 +35,12 @@ constexpr int kObjectIdCol = 4;
 
 // The engines, the link and the chart windows, a child of the main window so that it goes
 // with it.
-class ChartsLink : public QObject
+class ChartCommands : public QObject
 {
 public:
-    ChartsLink(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-               const astro::Clock& clock, const ScopeWiring& scope, std::filesystem::path resources)
+    ChartCommands(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
+                  const astro::Clock& clock, const ScopeWiring& scope,
+                  std::filesystem::path resources)
         : QObject(&window), window_(window), state_(state), ui_(ui), clock_(clock), scope_(scope),
           resources_(std::move(resources)),
           own_(state.dir.path, [this]() -> const charts::ChartSky& { return Sky(); }),
@@ -298,7 +299,7 @@ void WireCharts(spread::frmMainScreen& window, spread::AppState& state, services
     std::error_code ignored;
     std::filesystem::remove(state.dir.File(charts::kChartWorkFile), ignored);
 
-    auto* link = new ChartsLink(window, state, ui, clock, scope, resources);
+    auto* link = new ChartCommands(window, state, ui, clock, scope, resources);
     spread::CommandDispatcher& dispatcher = window.Dispatcher();
     dispatcher.SetAction("chartsob", [link] { link->ChartSob("D"); });
     dispatcher.SetAction("cdc_chartsob", [link] { link->ChartSob("C"); });
