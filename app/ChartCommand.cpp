@@ -4,10 +4,7 @@
 #include "app/GridCommand.h"
 #include "astro/Text.h"
 #include "charts/ChartCalls.h"
-#if __has_include("charts/ChartPage.h")
 #include "charts/ChartPage.h"
-#define SELVANE_CHART_PAGE 1
-#endif
 #include "charts/PlotFile.h"
 #include "scope/Speech.h"
 #include "services/Fault.h"
@@ -77,8 +74,8 @@ bool ParseSize(const std::string& text, int& width, int& height)
 
 ChartArgs ParseChartArgs(const std::vector<std::string>& args)
 {
-    static const std::set<std::string> valued{"--sql",  "--plan",  "--row",     "--target",
-                                              "--png",  "--pdf",   "--size",    "--mag",
+    static const std::set<std::string> valued{"--sql",     "--plan",  "--row",  "--target",
+                                              "--png",     "--pdf",   "--size", "--mag",
                                               "--objects", "--calls", "--type"};
     ChartArgs a;
     std::vector<std::string> positional;
@@ -154,18 +151,18 @@ ChartArgs ParseChartArgs(const std::vector<std::string>& args)
     a.mode = positional.front();
     a.modeArgs.assign(positional.begin() + 1, positional.end());
     static const std::set<std::string> plain{"all", "allsel", "sob", "sc", "print"};
-    const std::size_t wanted = plain.contains(a.mode)                      ? 0
-                               : a.mode == "radec" || a.mode == "finder"   ? 2
-                               : a.mode == "const" || a.mode == "plot"     ? 1
-                                                                           : 99;
+    const std::size_t wanted = plain.contains(a.mode)                    ? 0
+                               : a.mode == "radec" || a.mode == "finder" ? 2
+                               : a.mode == "const" || a.mode == "plot"   ? 1
+                                                                         : 99;
     if (wanted == 99) {
         a.error = "unknown mode \"" + a.mode + "\" of chart";
         return a;
     }
     if (a.modeArgs.size() != wanted) {
-        a.error = a.mode + (wanted == 0   ? " takes no arguments"
-                            : wanted == 1 ? (a.mode == "plot" ? " takes a plot file"
-                                                              : " takes a constellation entry")
+        a.error = a.mode + (wanted == 0         ? " takes no arguments"
+                            : wanted == 1       ? (a.mode == "plot" ? " takes a plot file"
+                                                                    : " takes a constellation entry")
                             : a.mode == "radec" ? " takes two numbers: H D"
                                                 : " takes an object and its catalogue");
         return a;
@@ -276,12 +273,17 @@ public:
           own_(TMM.dir.path, [this]() -> const charts::ChartSky& { return Sky(); }),
           cdc_([this] { return MakeBridge(); },
                [this]() -> const charts::ChartSky& { return Sky(); }),
-          link_(own_, cdc_), context_{TMM, link_, args.row, [] { return false; },
-                                      [] { return false; }, [] { return scope::EspeakVoiceExists(); },
+          link_(own_, cdc_), context_{TMM,
+                                      link_,
+                                      args.row,
+                                      [] { return false; },
+                                      [] { return false; },
+                                      [] { return scope::EspeakVoiceExists(); },
                                       clock}
     {
         link_.ChartTarget = args.target;
-        link_.callLog = &callLog_;
+        if (args.calls)
+            link_.callLog = &callLog_;
         own_.Opened = [this](std::shared_ptr<charts::ChartDocument> document) {
             documents_.push_back(std::move(document));
         };
@@ -379,8 +381,14 @@ private:
             const charts::PlanetariumChart* sent = cdc_.LastChart();
             if (!sent)
                 return false;
-            results_.push_back({"C", sent->raHours, sent->decDegrees, sent->field, {}, {},
-                                static_cast<int>(sent->objects.size()), {}});
+            results_.push_back({"C",
+                                sent->raHours,
+                                sent->decDegrees,
+                                sent->field,
+                                {},
+                                {},
+                                static_cast<int>(sent->objects.size()),
+                                {}});
             return true;
         }
         for (const auto& d : documents_)
@@ -421,16 +429,22 @@ private:
         if (!image || documents_.empty())
             return false;
         const charts::ChartDocument& d = *documents_.back();
-        ChartResult result{"D", d.raHours, d.decDeg, image->fieldDeg, image->limitMag,
-                           StarsDrawn(*image), static_cast<int>(d.objects.size()), image};
+        ChartResult result{"D",
+                           d.raHours,
+                           d.decDeg,
+                           image->fieldDeg,
+                           image->limitMag,
+                           StarsDrawn(*image),
+                           static_cast<int>(d.objects.size()),
+                           image};
         results_.push_back(std::move(result));
         return true;
     }
 
     bool Finder()
     {
-        std::optional<spread::frmStarChart> form = spread::CreateStarChartFromDatabase(
-            context_, args_.modeArgs[0], args_.modeArgs[1]);
+        std::optional<spread::frmStarChart> form =
+            spread::CreateStarChartFromDatabase(context_, args_.modeArgs[0], args_.modeArgs[1]);
         if (!form || ErrorsShown(TMM_.ui) > 0)
             return false;
         for (const spread::StarChartPanel& panel : form->panels)
@@ -468,8 +482,8 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         return 2;
 
     // Tab 0 and its selected row, for the modes that read the list.
-    const bool readsList = a.mode != "radec" && a.mode != "const" && a.mode != "plot" &&
-                           a.mode != "finder";
+    const bool readsList =
+        a.mode != "radec" && a.mode != "const" && a.mode != "plot" && a.mode != "finder";
     if (a.sql || a.build || a.plan) {
         if (!start.objectDatabaseOpen)
             return 1;
@@ -537,7 +551,6 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         }
         if (a.pdf) {
             const ChartResult& first = results.front();
-#ifdef SELVANE_CHART_PAGE
             charts::ChartPageInfo info;
             info.heading = TMM.prefs.TCaption;
             info.raHours = first.raHours;
@@ -548,14 +561,11 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
             info.date = Fixed(now.year, "%04.0f") + "-" + Fixed(now.month, "%02.0f") + "-" +
                         Fixed(now.day, "%02.0f") + " " + Fixed(now.hour, "%02.0f") + ":" +
                         Fixed(now.minute, "%02.0f");
-#endif
-#ifdef SELVANE_CHART_PAGE
             try {
                 charts::WriteChartPdf(*a.pdf, joined, info);
             } catch (const services::Fault&) {
                 return fail(*a.pdf);
             }
-#endif
             written.emplace_back(*a.pdf);
         }
     }

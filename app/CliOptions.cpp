@@ -72,7 +72,6 @@ std::string FixedDecimals(double x, int decimals)
         std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, decimals).ptr};
 }
 
-
 std::optional<std::vector<std::string>> SplitShellWords(const std::string& line)
 {
     std::vector<std::string> words;

@@ -45,9 +45,16 @@
 #include "spread/LoadForm.h"
 #include "spread/LoadTheGrid.h"
 
-#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QGuiApplication>
 
+#include <unistd.h>
+
+#include <algorithm>
 #include <iostream>
+#include <memory>
+#include <string_view>
 #include <map>
 
 namespace {
@@ -263,7 +270,22 @@ const std::map<std::string, Command>& Commands()
 
 int main(int argc, char* argv[])
 {
-    QCoreApplication application(argc, argv);
+    // Charts draw with fonts, which need the GUI application; no window is ever shown.
+    std::unique_ptr<QCoreApplication> application;
+    if (std::find(argv + 1, argv + argc, std::string_view("chart")) != argv + argc) {
+        if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
+            const QString runtime =
+                QDir::tempPath() + "/selvane-runtime-" + QString::number(getuid());
+            QDir().mkpath(runtime);
+            QFile::setPermissions(runtime, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+            qputenv("XDG_RUNTIME_DIR", runtime.toUtf8());
+        }
+        application = std::make_unique<QGuiApplication>(argc, argv);
+    } else {
+        application = std::make_unique<QCoreApplication>(argc, argv);
+    }
     std::ios::sync_with_stdio(false);
     std::vector<std::string> args(argv + 1, argv + argc);
     const app::CliOptions options = app::ParseCliOptions(args);

@@ -33,7 +33,7 @@ constexpr TypeCode kTypeCodes[] = {
 std::string Number(double value)
 {
     char text[40];
-    std::snprintf(text, sizeof text, "%.10g", value);
+    std::snprintf(text, sizeof text, "%.10g", value + 0.0); // no "-0"
     return text;
 }
 

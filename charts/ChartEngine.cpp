@@ -24,7 +24,7 @@ constexpr double kDeg = std::numbers::pi / 180.0;
 constexpr int kMinSize = 16;
 constexpr int kMaxSize = 8192;
 constexpr double kStarRadiusPerMag = 0.55;
-constexpr double kFaintestStarRadius = 0.6;
+constexpr double kFaintestStarRadius = 1.0;
 constexpr double kLargestStarRadius = 7.0;
 constexpr double kMinSymbolDiameter = 8.0;
 constexpr double kSymbolPenWidth = 1.2;
@@ -250,7 +250,9 @@ public:
         auto found = stamps_.find(tenths);
         if (found != stamps_.end())
             return found->second;
-        const int side = static_cast<int>(std::ceil(tenths / 5.0)) + 3;
+        // An odd side puts the dot's centre on the middle pixel's centre, so that a small dot
+        // inks the pixel it stands on instead of greying the four around a corner.
+        const int side = (static_cast<int>(std::ceil(tenths / 10.0)) + 2) * 2 + 1;
         QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
         image.fill(Qt::transparent);
         QPainter painter(&image);
@@ -265,10 +267,12 @@ private:
     std::unordered_map<int, QImage> stamps_;
 };
 
+// The stamp's middle pixel on the pixel holding (x, y).
 void DrawStamp(QPainter& painter, const QImage& stamp, double x, double y)
 {
     painter.drawImage(
-        QPointF(std::round(x - stamp.width() / 2.0), std::round(y - stamp.height() / 2.0)), stamp);
+        QPointF(std::floor(x) - (stamp.width() - 1) / 2, std::floor(y) - (stamp.height() - 1) / 2),
+        stamp);
 }
 
 } // namespace

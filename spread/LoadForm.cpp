@@ -1,5 +1,6 @@
 #include "spread/LoadForm.h"
 
+#include "charts/ChartCalls.h"
 #include "data/DatabaseFiles.h"
 #include "services/ErrorLog.h"
 #include "services/Fault.h"
@@ -129,7 +130,7 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
 
     // 5. The chart's temporary file, rewritten by each chart call.
     step("DeleteDsoDat");
-    removeQuietly("dso.dat");
+    removeQuietly(charts::kChartWorkFile);
 
     // 6. Tools of outside programs.
     step("ShowOutsideTools");

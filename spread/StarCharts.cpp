@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <map>
 
 namespace spread {
 
@@ -161,38 +162,47 @@ public:
         return data::GetCatalogName(lookups_, catalog);
     }
 
-    // The Messier number of a row as its extra identifier, or "".
+    // The extra identifier of a row's label: its Messier number, else its other name.
     std::string ExtraId(const ChartRow& row)
     {
+        const std::string other = vb::Trim(row.OtherID);
         if (SolarSystemCatalog(row.Catalog) || vb::Trim(row.Catalog) == "2000" || !TMM_.objectDb)
-            return {};
-        data::Recordset rs = TMM_.objectDb->OpenRecordset(
-            "Select MessierNumber, Catalog From SelvaneTable Where Catalog = '" +
-                vb::QuoteForSql(vb::Trim(row.Catalog)) + "' and ObjectID = '" +
-                vb::QuoteForSql(vb::Trim(row.ObjectID)) + "'",
-            data::Snapshot);
-        if (rs.Eof())
-            return {};
-        const long long messier = rs.Fields("MessierNumber").Long();
-        return messier > 0 ? std::to_string(messier) : std::string();
+            return other;
+        // Deliberate: the Messier numbers are read once per chart rather than with a query per
+        // row; 50,000 queries took seconds, and the answers are the same.
+        if (!messier_) {
+            messier_.emplace();
+            data::Recordset rs = TMM_.objectDb->OpenRecordset(
+                "Select MessierNumber, Catalog, ObjectID From SelvaneTable Where MessierNumber > 0",
+                data::Snapshot);
+            for (; !rs.Eof(); rs.MoveNext())
+                messier_->emplace(Key(rs.Fields("Catalog").Value(), rs.Fields("ObjectID").Value()),
+                                  std::to_string(rs.Fields("MessierNumber").Long()));
+        }
+        const auto found = messier_->find(Key(vb::Trim(row.Catalog), vb::Trim(row.ObjectID)));
+        return found != messier_->end() ? found->second : other;
     }
 
-    // The observers' notes of UserCatalog, when chartnotes is on.
+    // The observers' notes of UserCatalog, when chartnotes is on, read once per chart in the
+    // order Author, ObjectId.
     std::string Notes(const std::string& objectId)
     {
         if (!TMM_.prefs.chartnotes || !TMM_.logbookDb)
             return {};
-        data::Recordset rs = TMM_.logbookDb->OpenRecordset(
-            "Select * From UserCatalog Where ObjectId = '" + vb::QuoteForSql(objectId) +
-                "' Order By Author, ObjectId  ",
-            data::Snapshot);
-        std::string text;
-        for (; !rs.Eof(); rs.MoveNext()) {
-            if (text.empty())
-                text = "\\O\\L\\UOTHER LOGBOOK INFO\\L\\U";
-            text += "\\O" + rs.Fields("Author").Value() + " Notes\\D " + rs.Fields("Notes").Value();
+        if (!notes_) {
+            notes_.emplace();
+            data::Recordset rs = TMM_.logbookDb->OpenRecordset(
+                "Select * From UserCatalog Order By Author, ObjectId  ", data::Snapshot);
+            for (; !rs.Eof(); rs.MoveNext()) {
+                std::string& text = (*notes_)[Upper(rs.Fields("ObjectId").Value())];
+                if (text.empty())
+                    text = "\\O\\L\\UOTHER LOGBOOK INFO\\L\\U";
+                text += "\\O" + rs.Fields("Author").Value() + " Notes\\D " +
+                        rs.Fields("Notes").Value();
+            }
         }
-        return text;
+        const auto found = notes_->find(Upper(objectId));
+        return found != notes_->end() ? found->second : std::string();
     }
 
     // The object's picture: the Image Path cell in the image folders, or "".
@@ -214,8 +224,16 @@ public:
     }
 
 private:
+    // The database compares identifiers without regard to case.
+    static std::string Key(const std::string& catalog, const std::string& id)
+    {
+        return Upper(catalog) + '\t' + Upper(id);
+    }
+
     AppState& TMM_;
     data::FilterLookups lookups_;
+    std::optional<std::map<std::string, std::string>> messier_;
+    std::optional<std::map<std::string, std::string>> notes_;
 };
 
 std::string Field(const char* label, const std::string& value)
