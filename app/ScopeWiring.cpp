@@ -3,6 +3,7 @@
 #include "data/Preferences.h"
 #include "app/ScopeCommand.h"
 #include "scope/Discovery.h"
+#include "astro/Time.h"
 #include "scope/TelescopeStuff.h"
 #include "scope/ui/frmChooser.h"
 #include "scope/ui/frmScopePanel.h"
@@ -19,6 +20,8 @@
 #include <QProcess>
 
 #include <exception>
+#include <optional>
+#include <utility>
 
 namespace app {
 
@@ -66,8 +69,7 @@ public:
         layer_.profileFile = state.settings.File();
         layer_.Choose = [this](const std::string& current) {
             if (!chooser_)
-                chooser_ =
-                    new scope::ui::frmChooser(
+                chooser_ = new scope::ui::frmChooser(
                     [this] {
                         return scope::DiscoverTelescopes({state_.prefs.indiserver},
                                                          {state_.prefs.alpacadiscovery});
@@ -82,10 +84,7 @@ public:
     scope::TelescopeMenu& Menu() { return menu_; }
     scope::Speech& Speech() { return speech_; }
 
-    void ResetMenu()
-    {
-        scope::ResetTelescopeMenu(menu_, state_.dir.path);
-    }
+    void ResetMenu() { scope::ResetTelescopeMenu(menu_, state_.dir.path); }
 
     void Setup()
     {
@@ -135,22 +134,47 @@ public:
         scope::SyncScope(context_, cells.SelectedRA, cells.SelectedDec);
     }
 
-    // plotscope and sslococ: the position, in a message until the charts can show it.
-    void ShowScopeLocation()
+    // Where the mount points, for plotscope and sslococ: without a telescope, the message
+    // that none is attached and nothing.
+    std::optional<std::pair<double, double>> ReadScopeLocation()
     {
         const scope::ScopePosition p = scope::GetScopePosition(context_);
         if (!p.result) {
             ui_.ShowMessage(scope::kNoTelescopeMessage, "Attention!", "I");
+            return std::nullopt;
+        }
+        return std::pair{p.ra, p.dec};
+    }
+
+    // The chart window's crosshair: a fault is shown and logged, and gives nothing.
+    // Deliberate: the mount's position goes on the J2000 chart unprecessed, as plotscope and
+    // PlotRaanddec chart it, so that the crosshair and the plotted position agree.
+    std::optional<std::pair<double, double>> ReadCrosshair()
+    {
+        const std::optional<scope::ScopePosition> p =
+            scope::ReadScopePositionAt(context_, scope::kPositionLocation);
+        if (!p || !p->result)
+            return std::nullopt;
+        return std::pair{p->ra, p->dec};
+    }
+
+    bool TelescopeEnabled() const { return scope::IsTelescopeEnabled(menu_); }
+
+    bool ConnectTelescope()
+    {
+        scope::ConnectTelescope(context_);
+        return scopeState_.Scope != nullptr;
+    }
+
+    void SlewJ2000(double raHours, double decDeg)
+    {
+        if (!scope::IsTelescopeEnabled(menu_)) {
+            astro::ui::TelescopeNotConnected(ui_);
             return;
         }
-        ui_.ShowMessage("Scope position: RA " + vb::Format(p.ra, "0.0000") + "h Dec " +
-                            vb::Format(p.dec, "0.0000") + "°",
-                        "Scope Location", "I");
-        // A driver that answers 0 and 0 is held by another control program.
-        if (p.ra == 0 && p.dec == 0)
-            ui_.ShowMessage("Please verify that the ACP control panel is not active if you have "
-                            "ACP installed",
-                            "Error!", "E");
+        const astro::Sexagesimal ra = astro::ConvertFromDecimal(raHours);
+        const astro::Dms dec = astro::SignPush(astro::ConvertFromDecimal(decDeg));
+        scope::GotoSelectedObject(context_, {ra.degrees, ra.minutes, ra.seconds}, dec, 2000);
     }
 
     void OpenPosition()
@@ -203,8 +227,6 @@ ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, se
     dispatcher.SetAction("gotoobject", [link] { link->GotoObject(); });
     dispatcher.SetAction("sync", [link] { link->Sync(); });
     dispatcher.SetAction("cspos", [link] { link->OpenPosition(); });
-    dispatcher.SetAction("plotscope", [link] { link->ShowScopeLocation(); });
-    dispatcher.SetAction("sslococ", [link] { link->ShowScopeLocation(); });
     dispatcher.SetAction("scopepanel", [link] { link->OpenPanel(); });
 
     // The functions hold the link by a guarded pointer: the port may outlive the window.
@@ -225,6 +247,21 @@ ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, se
     wiring.Goto = [guarded](const astro::Hms& ra, const astro::Dms& dec) {
         if (guarded)
             guarded->SolarSystemGoto(ra, dec);
+    };
+    wiring.ReadScopeLocation = [guarded]() -> std::optional<std::pair<double, double>> {
+        return guarded ? guarded->ReadScopeLocation() : std::nullopt;
+    };
+    wiring.ReadCrosshair = [guarded]() -> std::optional<std::pair<double, double>> {
+        return guarded ? guarded->ReadCrosshair() : std::nullopt;
+    };
+    wiring.TelescopeEnabled = [guarded] { return guarded && guarded->TelescopeEnabled(); };
+    wiring.ConnectTelescope = [guarded] { return guarded && guarded->ConnectTelescope(); };
+    wiring.SpeechRegistered = [guarded] {
+        return guarded && (guarded->Speech().IsACPScope() || guarded->Speech().IsACPTelescope());
+    };
+    wiring.SlewJ2000 = [guarded](double raHours, double decDeg) {
+        if (guarded)
+            guarded->SlewJ2000(raHours, decDeg);
     };
     return wiring;
 }

@@ -1,14 +1,16 @@
 #pragma once
 // The telescope on the main window: the toggle lx200enable and the tools it opens (scopesetup,
-// lx200cp, gotoobject, sync, cspos, plotscope, sslococ, scopepanel), the chooser over the INDI
-// server and Alpaca discovery of the settings, the Goto of the solar-system windows, and the
-// process's speech.
+// lx200cp, gotoobject, sync, cspos, scopepanel; plotscope and sslococ belong to the charts), the
+// chooser over the INDI server and Alpaca discovery of the settings, the Goto of the solar-system
+// windows, and the process's speech.
 
 #include "astro/ObservingClock.h"
 #include "astro/ui/OutputTable.h"
 
 #include <functional>
+#include <optional>
 #include <string>
+#include <utility>
 
 namespace scope {
 class SpeechPlatform;
@@ -35,6 +37,22 @@ struct ScopeWiring
     // The solar-system windows' Goto: SolarSystemGoto while the telescope is enabled, else the
     // message that no telescope is attached.
     astro::ui::TelescopeGoto Goto;
+
+    // What the charts take from the telescope. plotscope and sslococ: where the mount points
+    // (right ascension hours, declination degrees), or nothing after the message that no
+    // telescope is attached.
+    std::function<std::optional<std::pair<double, double>>()> ReadScopeLocation;
+    // The chart window's crosshair: the position, or nothing after a fault (shown and logged).
+    std::function<std::optional<std::pair<double, double>>()> ReadCrosshair;
+    // Whether the toggle lx200enable stands on "Disconnect Telescope".
+    std::function<bool()> TelescopeEnabled;
+    // ConnectTelescope for a chart: true when a driver is connected afterwards.
+    std::function<bool()> ConnectTelescope;
+    // Whether a speaking driver is registered.
+    std::function<bool()> SpeechRegistered;
+    // The chart window's "Slew here": a J2000 position precessed to today and slewed to, or
+    // the message that no telescope is attached.
+    std::function<void(double raHours, double decDeg)> SlewJ2000;
 };
 
 // Gives the main window its telescope commands.

@@ -1,6 +1,7 @@
 // selvane: the program with its windows.
 
 #include "app/BackupWiring.h"
+#include "app/ChartWiring.h"
 #include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
@@ -56,9 +57,9 @@ int main(int argc, char* argv[])
     parser.process(application);
 
     spread::BusyUiPort ui;
-    spread::AppState state(
-        ui, data::ResolveProgramDir(parser.value(home).toStdString()),
-        data::SettingsStore(data::SettingsStore::DefaultPath(parser.value(settings).toStdString())));
+    spread::AppState state(ui, data::ResolveProgramDir(parser.value(home).toStdString()),
+                           data::SettingsStore(data::SettingsStore::DefaultPath(
+                               parser.value(settings).toStdString())));
     ui.SetErrorLog(state.dir.File(services::ErrorLogFileName));
     const astro::SystemClock clock;
     scope::EspeakSpeech speech;
@@ -85,6 +86,7 @@ int main(int argc, char* argv[])
     ui.SetSpeaker(scopeWiring.Speak);
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
+    app::WireCharts(window, state, ui, clock, scopeWiring, data::ResourcesBesideExecutable());
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)
