@@ -15,7 +15,8 @@
 
 #include <QObject>
 #include <QPointer>
-#include <QTimer>
+#include <QProcess>
+#include <QStandardPaths>
 
 #include <chrono>
 #include <cstdlib>
@@ -130,10 +131,13 @@ public:
 
     void PlotWindow(const std::string& target)
     {
-        charts::PlotChartCalls calls;
-        calls.DrawChart = [this](const charts::PlotDrawChart& call) { PlotDrawChart(call); };
-        calls.PlotDSO = [this](const charts::PlotDso& dso) { PlotDso(dso); };
-        auto* plot = new charts::ui::frmStPlot(ui_, std::move(calls), &window_);
+        auto* plot = new charts::ui::frmStPlot(
+            ui_,
+            [this](charts::frmStPlot& model) {
+                spread::ChartContext c = Context();
+                spread::ChartPlotFile(c, model);
+            },
+            &window_);
         plot->setAttribute(Qt::WA_DeleteOnClose);
         plot->model.ChartTarget = target;
         plot->setWindowTitle(target == "C" ? QObject::tr("Plot Entered Coordinates (planetarium)")
@@ -152,6 +156,37 @@ public:
         link_.ChartTarget = "D";
         spread::ChartContext c = Context();
         spread::PlotRaanddec(c, at->first, at->second);
+    }
+
+    // The planetarium program itself, started in a normal window, errors ignored.
+    void StartPlanetarium()
+    {
+        const std::filesystem::path program = spread::PlanetariumProgram(state_.prefs);
+        if (!program.empty())
+            QProcess::startDetached(QString::fromStdString(program.string()), {});
+    }
+
+    // tolvmoon: the Virtual Moon Atlas on the site and the observing moment.
+    void VirtualMoon()
+    {
+        spread::ChartContext c = Context();
+        const QString program = QStandardPaths::findExecutable(spread::kVirtualMoonProgram);
+        spread::tolvmoon(c, program.toStdString(),
+                         [](const std::string& file, const std::vector<std::string>& arguments) {
+                             QStringList list;
+                             for (const std::string& argument : arguments)
+                                 list << QString::fromStdString(argument);
+                             QProcess::startDetached(QString::fromStdString(file), list);
+                         });
+    }
+
+    void VariableStars(bool all)
+    {
+        spread::ChartContext c = Context();
+        if (all)
+            spread::VSOAll(c);
+        else
+            spread::VSO2(c);
     }
 
     void Finder()
@@ -176,7 +211,7 @@ public:
 private:
     std::unique_ptr<charts::Planetarium> MakePlanetarium()
     {
-        const std::string setting = state_.settings.Get("planetarium", "");
+        const std::string& setting = state_.prefs.planetarium;
         const std::optional<charts::PlanetariumAddress> address = charts::ParsePlanetarium(setting);
         if (!address)
             throw services::Fault("Unknown planetarium: " + setting, "");
@@ -184,64 +219,7 @@ private:
                                        kPlanetariumTimeout);
     }
 
-    bool PlanetariumFound() const
-    {
-        const std::optional<charts::PlanetariumAddress> address =
-            charts::ParsePlanetarium(state_.settings.Get("planetarium", ""));
-        if (!address)
-            return false;
-        const char* path = std::getenv("PATH");
-        return !charts::FindPlanetariumProgram(address->kind, state_.prefs.CartesPath,
-                                               path ? path : "")
-                    .empty();
-    }
-
-    void PlotDrawChart(const charts::PlotDrawChart& call)
-    {
-        link_.ChartTarget = call.ChartTarget;
-        if (call.ChartTarget == "C") {
-            charts::CdcDrawChartCall cdc;
-            cdc.raHours = call.raHours;
-            cdc.raMinutes = call.raMinutes;
-            cdc.decDegrees = call.decDegrees;
-            cdc.decMinutes = call.decMinutes;
-            cdc.field = static_cast<std::int16_t>(call.fieldDeg);
-            cdc.heading = call.heading;
-            link_.CDC_DrawChart(cdc);
-            // The plot window sends its objects right after; the chart goes out once they are
-            // all gathered, when the event loop next turns.
-            QTimer::singleShot(0, this, [this] {
-                services::Trap(ui_, "frmStPlot.SSCommand4_Click", [this] { link_.CDC_EndChart(); });
-            });
-            return;
-        }
-        charts::DrawChartCall draw;
-        draw.raHours = call.raHours;
-        draw.raMinutes = call.raMinutes;
-        draw.decDegrees = call.decDegrees;
-        draw.decMinutes = call.decMinutes;
-        draw.field = static_cast<std::int16_t>(call.fieldDeg);
-        draw.heading = call.heading;
-        link_.DrawChart(draw);
-    }
-
-    void PlotDso(const charts::PlotDso& dso)
-    {
-        charts::PlotDsoCall call;
-        call.raHours = dso.position.raHours;
-        call.raMinutes = dso.position.raMinutes;
-        call.decDegrees = dso.position.decDegrees;
-        call.decMinutes = dso.position.decMinutes;
-        call.north = dso.position.north ? 1 : 0;
-        call.type = static_cast<std::uint8_t>(dso.typeCode);
-        const bool named = !dso.position.name.empty() && dso.position.name != "n/a";
-        call.objectId = named ? dso.position.name : dso.label;
-        call.info = call.objectId;
-        if (link_.ChartTarget == "C")
-            link_.CDC_PlotDSO(call);
-        else
-            link_.PlotDSO(call);
-    }
+    bool PlanetariumFound() const { return !spread::PlanetariumProgram(state_.prefs).empty(); }
 
     void OpenWindow(std::shared_ptr<charts::ChartDocument> document)
     {
@@ -317,6 +295,10 @@ void WireCharts(spread::frmMainScreen& window, spread::AppState& state, services
         dispatcher.SetAction(key, [link] { link->PlotScope(); });
     for (const char* key : {"plotos", "cscb"})
         dispatcher.SetAction(key, [link] { link->ChartSob("D"); });
+    dispatcher.SetAction("Cartes du Ciel", [link] { link->StartPlanetarium(); });
+    dispatcher.SetAction("tolvmoon", [link] { link->VirtualMoon(); });
+    dispatcher.SetAction("vso", [link] { link->VariableStars(false); });
+    dispatcher.SetAction("vsoall", [link] { link->VariableStars(true); });
 }
 
 } // namespace app

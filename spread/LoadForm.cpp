@@ -6,6 +6,7 @@
 #include "services/Fault.h"
 #include "services/Vb.h"
 #include "spread/Spreadsheet.h"
+#include "spread/StarCharts.h"
 
 #include <QLocale>
 
@@ -32,10 +33,6 @@ void UnloadPopup(AppState&) {}
 // The image tab's catalogue, type and third combos (the image gallery).
 void LoadImageCombos(AppState&) {}
 // Install folders of the outside chart and variable-star programs; empty: not installed.
-std::string CartesInstallDir()
-{
-    return {};
-}
 std::string VarObsInstallDir()
 {
     return {};
@@ -140,9 +137,10 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
     };
     visible("mnuFitsview", !services::vb::Trim(p.fitspath).empty());
     visible("mnumoonrise", !services::vb::Trim(p.MoonRisePath).empty());
-    const std::string cartes = CartesInstallDir();
-    for (const char* key : {"cartescharts", "Cartes du Ciel", "ChartsMain"})
-        visible(key, !cartes.empty());
+    const bool planetarium = !PlanetariumProgram(p).empty();
+    for (const char* key : {"Cartes du Ciel", "ChartsMain", "cdc_chartsob", "cdc_charts",
+                            "cdc_mnuplote", "cdc_mnugotocon", "cdc_mnuppppdef"})
+        visible(key, planetarium);
     const bool variableStars = CatalogueListHoldsGcvs(TMM) && !VarObsInstallDir().empty();
     visible("vso", variableStars);
     visible("vsoall", variableStars);
@@ -161,9 +159,8 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
     step("LoadCurrentProfile");
     LoadCurrentProfile(TMM);
     step("OpenTheDatabase");
-    services::Trap(ui, LoadFormLocation, [&] {
-        data::OpenTheDatabase(TMM.dir, TMM.logbookDb, TMM.logbookPath);
-    });
+    services::Trap(ui, LoadFormLocation,
+                   [&] { data::OpenTheDatabase(TMM.dir, TMM.logbookDb, TMM.logbookPath); });
     step("LoadTPlan");
     if (hooks.ShowShortCuts)
         hooks.ShowShortCuts(LoadTPlan(TMM.dir.path));
@@ -196,9 +193,8 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
         data::OpenTheDatabase(TMM.dir, TMM.logbookDb, TMM.logbookPath);
     });
     if (TMM.logbookDb)
-        services::TrapSilently(ui, "TMM.RebuildLink", [&] {
-            data::RebuildLink(*TMM.logbookDb, p.cdDrive, p.UseCd);
-        });
+        services::TrapSilently(ui, "TMM.RebuildLink",
+                               [&] { data::RebuildLink(*TMM.logbookDb, p.cdDrive, p.UseCd); });
 
     // 14. The object database, with the setup wizard after each failure. A cancelled wizard
     // ends the tries, so that the program can still be closed.
@@ -216,9 +212,8 @@ LoadFormResult LoadForm(AppState& TMM, const std::filesystem::path& resources,
     }
     if (result.objectDatabaseOpen && TMM.logbookDb)
         // The media test of the open may have changed UseCd, and with it how the link reads.
-        services::TrapSilently(ui, "TMM.RebuildLink", [&] {
-            data::RebuildLink(*TMM.logbookDb, p.cdDrive, p.UseCd);
-        });
+        services::TrapSilently(ui, "TMM.RebuildLink",
+                               [&] { data::RebuildLink(*TMM.logbookDb, p.cdDrive, p.UseCd); });
 
     // 15.
     TMM.NoLoadYet = false;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <filesystem>
 #include <map>
 
@@ -557,6 +558,7 @@ bool ChartPlotFile(ChartContext& c, charts::frmStPlot& form)
             call.type = static_cast<std::uint8_t>(std::clamp(dso.typeCode, 0, 255));
             call.objectId = dso.position.name;
             call.extraId = dso.label;
+            call.info = "\\O\\L\\UOBJECT ID   :\\D " + dso.position.name + "\\L\\U";
             Plot(c, call);
         };
         charted = form.SSCommand4_Click(calls);
@@ -634,6 +636,16 @@ std::optional<charts::ChartImage> PrintChart(ChartContext& c, const PrintChartOp
         c.link.CloseChart();
     });
     return picture;
+}
+
+std::filesystem::path PlanetariumProgram(const data::Preferences& prefs)
+{
+    const std::optional<charts::PlanetariumAddress> address =
+        charts::ParsePlanetarium(prefs.planetarium);
+    if (!address)
+        return {};
+    const char* path = std::getenv("PATH");
+    return charts::FindPlanetariumProgram(address->kind, prefs.CartesPath, path ? path : "");
 }
 
 // ---------------------------------------------------------------------------------------

@@ -17,6 +17,7 @@
 #include <QImage>
 
 #include <array>
+#include <filesystem>
 #include <functional>
 #include <optional>
 #include <string>
@@ -160,6 +161,11 @@ std::optional<std::vector<std::string>> VirtualMoonArguments(const data::Prefere
 void tolvmoon(
     ChartContext& c, const std::string& program,
     const std::function<void(const std::string&, const std::vector<std::string>&)>& start);
+
+// The outside planetarium's program: the setting planetarium's kind found through CartesPath or
+// on the search path; empty when it is not installed (its menu entries are then hidden and
+// frmChartType is not offered).
+std::filesystem::path PlanetariumProgram(const data::Preferences& prefs);
 
 // The label of a finder panel.
 std::string FieldLabel(double fieldDeg);

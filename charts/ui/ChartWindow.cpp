@@ -6,6 +6,7 @@
 #include "services/Fault.h"
 #include "services/UiPort.h"
 
+#include <QDateTime>
 #include <QAction>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
@@ -368,6 +369,8 @@ ChartPageInfo ChartWindow::PageInfo(const ChartImage& chart) const
     info.decDeg = decDeg_;
     info.fieldDeg = chart.fieldDeg;
     info.limitMag = chart.limitMag;
+    // The page is dated when it is made: the computer clock's local time.
+    info.date = QDateTime::currentDateTime().toString("yyyy-MM-dd hh:mm").toStdString();
     info.landscape = canvas_->width() > canvas_->height();
     return info;
 }

@@ -20,7 +20,8 @@ QString Q(const std::string& text)
 
 } // namespace
 
-frmStPlot::frmStPlot(services::UiPort& ui, PlotChartCalls chart, QWidget* parent)
+frmStPlot::frmStPlot(services::UiPort& ui, std::function<void(charts::frmStPlot&)> chart,
+                     QWidget* parent)
     : QDialog(parent), model(ui), chart_(std::move(chart))
 {
     setWindowTitle(tr("Plot"));
@@ -94,8 +95,10 @@ frmStPlot::frmStPlot(services::UiPort& ui, PlotChartCalls chart, QWidget* parent
     connect(Command1, &QPushButton::clicked, this, run([this] { model.Command1_Click(); }));
     connect(SSCommand2, &QPushButton::clicked, this, run([this] { model.SSCommand2_Click(); }));
     connect(SSCommand3, &QPushButton::clicked, this, run([this] { model.SSCommand3_Click(); }));
-    connect(SSCommand4, &QPushButton::clicked, this,
-            run([this] { model.SSCommand4_Click(chart_); }));
+    connect(SSCommand4, &QPushButton::clicked, this, run([this] {
+                if (chart_)
+                    chart_(model);
+            }));
 }
 
 void frmStPlot::ToModel()

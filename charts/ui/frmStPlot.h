@@ -7,6 +7,7 @@
 #include <QDialog>
 
 #include <array>
+#include <functional>
 
 class QComboBox;
 class QLineEdit;
@@ -20,7 +21,9 @@ class frmStPlot : public QDialog
 public:
     // Given: ui, the port the model's messages and dialogs go through; chart, the chart calls
     // of the window's ChartTarget. Both outlive the window.
-    frmStPlot(services::UiPort& ui, PlotChartCalls chart, QWidget* parent = nullptr);
+    // chart: the Chart button, which charts the model's entries.
+    frmStPlot(services::UiPort& ui, std::function<void(charts::frmStPlot&)> chart,
+              QWidget* parent = nullptr);
 
     charts::frmStPlot model;
 
@@ -40,7 +43,7 @@ private:
     void ToModel();
     void FromModel();
 
-    PlotChartCalls chart_;
+    std::function<void(charts::frmStPlot&)> chart_;
 };
 
 } // namespace charts::ui

@@ -89,14 +89,14 @@ TEST_F(StartFixture, StepsInOrderEndWithTheMessierListWhateverTheFilters)
     const LoadFormResult result = LoadForm(TMM, resources, hooks, clock);
 
     const std::vector<std::string> expected{
-        "SeedProgramDir",     "LoadPreferences",   "GetLocalization", "DeleteNexstarTmp",
-        "SetFilterLabels",    "SetSortOptions",    "DeleteDsoDat",    "ShowOutsideTools",
-        "DisableTelescopeTools", "LoadCurrentProfile", "OpenTheDatabase", "LoadTPlan",
-        "FillFilterBoxes",    "frmSetupWizard",    "CreateScopeVoice", "LoadCurrentProfile",
-        "RebuildLink",        "OpenObjectDatabase", "HideGrids",      "LoadSQL",
-        "LoadTheGrid",        "LoadLogType",       "LoadHer",         "CalcMoonPhase",
-        "mnuRfsh_Click",      "RefreshPref",       "UnloadPopup",     "CheckConvertLog",
-        "UnloadStartupImage", "LoadImageCombos",   "GetTabCaptions",  "FirstRunSpeech",
+        "SeedProgramDir",        "LoadPreferences",    "GetLocalization",  "DeleteNexstarTmp",
+        "SetFilterLabels",       "SetSortOptions",     "DeleteDsoDat",     "ShowOutsideTools",
+        "DisableTelescopeTools", "LoadCurrentProfile", "OpenTheDatabase",  "LoadTPlan",
+        "FillFilterBoxes",       "frmSetupWizard",     "CreateScopeVoice", "LoadCurrentProfile",
+        "RebuildLink",           "OpenObjectDatabase", "HideGrids",        "LoadSQL",
+        "LoadTheGrid",           "LoadLogType",        "LoadHer",          "CalcMoonPhase",
+        "mnuRfsh_Click",         "RefreshPref",        "UnloadPopup",      "CheckConvertLog",
+        "UnloadStartupImage",    "LoadImageCombos",    "GetTabCaptions",   "FirstRunSpeech",
         "SelectFilterPage",
     };
     EXPECT_EQ(steps, expected);
@@ -127,12 +127,13 @@ TEST_F(StartFixture, StepsInOrderEndWithTheMessierListWhateverTheFilters)
     EXPECT_EQ(TMM.status.lblLat, "Lat: 46\u00B030'00\"");
 
     const std::vector<std::string> expectedTools{
-        "mnuFitsview shown",     "mnumoonrise hidden", "cartescharts hidden",
-        "Cartes du Ciel hidden", "ChartsMain hidden",  "vso hidden",
-        "vsoall hidden",         "identifyobject disabled", "createtour disabled",
-        "lx200cp disabled",      "csc disabled",
-        "cspos disabled",        "slideshow disabled", "sslococ disabled",
-        "gotoobject disabled",   "sync disabled",
+        "mnuFitsview shown",   "mnumoonrise hidden",    "Cartes du Ciel hidden",
+        "ChartsMain hidden",   "cdc_chartsob hidden",   "cdc_charts hidden",
+        "cdc_mnuplote hidden", "cdc_mnugotocon hidden", "cdc_mnuppppdef hidden",
+        "vso hidden",          "vsoall hidden",         "identifyobject disabled",
+        "createtour disabled", "lx200cp disabled",      "csc disabled",
+        "cspos disabled",      "slideshow disabled",    "sslococ disabled",
+        "gotoobject disabled", "sync disabled",
     };
     EXPECT_EQ(tools, expectedTools);
     EXPECT_TRUE(ui.shown.empty()) << Titles().front();
