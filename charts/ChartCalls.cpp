@@ -1,6 +1,7 @@
 #include "charts/ChartCalls.h"
 
 #include "services/Fault.h"
+#include "services/LineText.h"
 
 #include <QString>
 
@@ -37,31 +38,6 @@ std::string Number(double value)
     return text;
 }
 
-std::string Escaped(std::string_view text)
-{
-    std::string out;
-    out.reserve(text.size());
-    for (const char c : text) {
-        switch (c) {
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
 class Line
 {
 public:
@@ -73,7 +49,7 @@ public:
     }
     Line& operator<<(std::string_view text)
     {
-        text_ += '\t' + Escaped(text);
+        text_ += '\t' + services::EscapedForLine(text);
         return *this;
     }
     Line& operator<<(const std::string& text) { return *this << std::string_view(text); }

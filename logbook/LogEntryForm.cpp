@@ -1372,30 +1372,6 @@ void LogEntryForm::DeleteImage()
 
 // ---------------------------------------------------------------------------------------------
 
-std::string EscapedForLine(std::string_view text)
-{
-    std::string out;
-    for (char c : text) {
-        switch (c) {
-        case '\\':
-            out += "\\\\";
-            break;
-        case '\t':
-            out += "\\t";
-            break;
-        case '\r':
-            out += "\\r";
-            break;
-        case '\n':
-            out += "\\n";
-            break;
-        default:
-            out += c;
-        }
-    }
-    return out;
-}
-
 std::string FormText(const LogEntryForm& form)
 {
     const LogFields& f = form.f;

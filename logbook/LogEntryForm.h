@@ -15,6 +15,7 @@
 #include "data/ObjectFilter.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
+#include "services/LineText.h"
 #include "services/UiPort.h"
 #include "services/Vb.h"
 
@@ -270,8 +271,8 @@ private:
 // value, under any other pattern the regional short date. A text that is no date stays as it is.
 std::string LogDateCell(std::string_view stored, const services::vb::Regional& regional);
 
-// A text on one line of tab-separated output: backslash, tab, CR and LF written \\ \t \r \n.
-std::string EscapedForLine(std::string_view text);
+// The command line writes texts of the forms with services::EscapedForLine.
+using services::EscapedForLine;
 
 // The form's values as selvane-cli prints them: "Field\tValue", then one line per field.
 std::string FormText(const LogEntryForm& form);
