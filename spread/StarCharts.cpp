@@ -166,6 +166,8 @@ public:
     }
 
     // The extra identifier of a row's label: its Messier number, else its other name.
+    // Deliberate: an object without a Messier number is labelled by its other name ("M 42" of
+    // the catalogue "2000"), not left to its ObjectID.
     std::string ExtraId(const ChartRow& row)
     {
         const std::string other = vb::Trim(row.OtherID);
@@ -533,7 +535,8 @@ bool ChartPlotFile(ChartContext& c, charts::frmStPlot& form)
     c.link.ChartTarget = form.ChartTarget;
     if (form.List1.empty() || ChartOpen(c))
         return false;
-    // The centre's sign of "-00" is the first entry's: the chart call has no north flag.
+    // Deliberate: the centre's sign of "-00" is the first entry's, since the chart call has no
+    // north flag and "-00 30" would otherwise be drawn north of the equator.
     const bool south = !charts::ReadPlotEntry(form.List1.front()).north;
     bool charted = false;
     RunChart(c, kPlotAllLocation, [&] {
