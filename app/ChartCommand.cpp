@@ -6,11 +6,11 @@
 #include "charts/ChartCalls.h"
 #include "charts/ChartPage.h"
 #include "charts/PlotFile.h"
+#include "data/ProgramDir.h"
 #include "scope/Speech.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
 #include "services/Vb.h"
-#include "spread/Plans.h"
 #include "spread/StarCharts.h"
 
 #include <QPainter>
@@ -48,15 +48,6 @@ struct ChartArgs
     bool chartOpen = false;
     std::string error;
 };
-
-std::optional<int> WholeNumber(const std::string& text)
-{
-    int n = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
-    if (error != std::errc() || end != text.data() + text.size())
-        return std::nullopt;
-    return n;
-}
 
 bool ParseSize(const std::string& text, int& width, int& height)
 {
@@ -203,13 +194,6 @@ struct ChartResult
     std::optional<charts::ChartImage> image; // own charts
 };
 
-std::string Fixed(double value, const char* format)
-{
-    char text[64];
-    std::snprintf(text, sizeof text, format, value);
-    return text;
-}
-
 int StarsDrawn(const charts::ChartImage& image)
 {
     int stars = 0;
@@ -225,9 +209,9 @@ std::string ObjectLine(const charts::DrawnObject& d)
                                                           : "circle";
     const std::string code = d.kind == charts::DrawnKind::Star ? "" : std::to_string(d.code);
     return std::string(kind) + "\t" + d.id + "\t" + d.name + "\t" + code + "\t" +
-           Fixed(d.raHours, "%.6f") + "\t" + Fixed(d.decDeg, "%.5f") + "\t" +
-           (d.mag ? Fixed(*d.mag, "%.2f") : std::string()) + "\t" + Fixed(d.x, "%.2f") + "\t" +
-           Fixed(d.y, "%.2f") + "\t" + Fixed(d.r, "%.2f");
+           FixedDecimals(d.raHours, 6) + "\t" + FixedDecimals(d.decDeg, 5) + "\t" +
+           (d.mag ? FixedDecimals(*d.mag, 2) : std::string()) + "\t" + FixedDecimals(d.x, 2) +
+           "\t" + FixedDecimals(d.y, 2) + "\t" + FixedDecimals(d.r, 2);
 }
 
 // Several panels side by side in one picture; what was drawn moves with its panel.
@@ -326,7 +310,7 @@ private:
     const charts::ChartSky& Sky()
     {
         if (!sky_)
-            sky_ = charts::LoadChartSky(TMM_.dir.path.string());
+            sky_ = charts::LoadChartSky(data::ResourcesBesideExecutable().string());
         return *sky_;
     }
 
@@ -485,21 +469,12 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     const bool readsList =
         a.mode != "radec" && a.mode != "const" && a.mode != "plot" && a.mode != "finder";
     if (a.sql || a.build || a.plan) {
-        if (!start.objectDatabaseOpen)
+        GridArgs gridArgs;
+        gridArgs.sql = a.sql.value_or("");
+        gridArgs.build = a.build;
+        gridArgs.plan = a.plan.value_or("");
+        if (LoadTab0(TMM, start, gridArgs, computerClock) != 0)
             return 1;
-        TMM.CurrTab = 0;
-        if (a.plan) {
-            const spread::PlanIntoGrid opened =
-                spread::OpenPlanIntoGrid(TMM, TMM.grids[0], TMM.plans[0], *a.plan, computerClock);
-            if (!opened.opened.opened || opened.load.failed)
-                return 1;
-        } else {
-            GridArgs gridArgs;
-            gridArgs.sql = a.sql.value_or("");
-            gridArgs.build = a.build;
-            if (LoadTab0(TMM, start, gridArgs, computerClock) != 0)
-                return 1;
-        }
     }
     TMM.CurrTab = 0;
     if (readsList && a.row > TMM.grids[0].MaxRows()) {
@@ -557,10 +532,7 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
             info.decDeg = first.decDeg;
             info.fieldDeg = first.field;
             info.limitMag = first.limitMag.value_or(0);
-            const astro::LocalDateTime now = computerClock.Now();
-            info.date = Fixed(now.year, "%04.0f") + "-" + Fixed(now.month, "%02.0f") + "-" +
-                        Fixed(now.day, "%02.0f") + " " + Fixed(now.hour, "%02.0f") + ":" +
-                        Fixed(now.minute, "%02.0f");
+            info.date = charts::ChartPageDate(computerClock.Now());
             try {
                 charts::WriteChartPdf(*a.pdf, joined, info);
             } catch (const services::Fault&) {
@@ -574,9 +546,9 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     if (!made)
         return 1;
     for (const ChartResult& r : results)
-        out << r.target << "\t" << Fixed(r.raHours, "%.6f") << "\t" << Fixed(r.decDeg, "%.5f")
-            << "\t" << Fixed(r.field, "%g") << "\t"
-            << (r.limitMag ? Fixed(*r.limitMag, "%.2f") : std::string()) << "\t"
+        out << r.target << "\t" << FixedDecimals(r.raHours, 6) << "\t" << FixedDecimals(r.decDeg, 5)
+            << "\t" << FixedDecimals(r.field, 0) << "\t"
+            << (r.limitMag ? FixedDecimals(*r.limitMag, 2) : std::string()) << "\t"
             << (r.stars ? std::to_string(*r.stars) : std::string()) << "\t" << r.plotted << "\n";
     return 0;
 }

@@ -72,6 +72,15 @@ std::string FixedDecimals(double x, int decimals)
         std::to_chars(buffer, buffer + sizeof buffer, x, std::chars_format::fixed, decimals).ptr};
 }
 
+std::optional<int> WholeNumber(std::string_view text)
+{
+    int n = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
+    if (error != std::errc() || end != text.data() + text.size())
+        return std::nullopt;
+    return n;
+}
+
 std::optional<std::vector<std::string>> SplitShellWords(const std::string& line)
 {
     std::vector<std::string> words;

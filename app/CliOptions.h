@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,9 @@ CliOptions ParseCliOptions(const std::vector<std::string>& args);
 // x as "%.Nf" writes it with decimals places, whatever the process locale: the commands'
 // printed numbers.
 std::string FixedDecimals(double x, int decimals);
+
+// A whole number written alone ("12", "-3"); nothing for any other text.
+std::optional<int> WholeNumber(std::string_view text);
 
 // Splits a line into words as a POSIX shell does for plain words: blanks separate, '...' keeps
 // everything literally, "..." keeps everything but \" \\ \$ \`, and a backslash outside quotes

@@ -58,6 +58,11 @@ int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const G
     if (!start.objectDatabaseOpen)
         return 1;
     TMM.CurrTab = 0;
+    if (!args.plan.empty()) {
+        const spread::PlanIntoGrid opened =
+            spread::OpenPlanIntoGrid(TMM, TMM.grids[0], TMM.plans[0], args.plan, computerClock);
+        return opened.opened.opened && !opened.load.failed ? 0 : 1;
+    }
     if (args.sql.empty() && !args.build)
         return start.startListLoaded ? 0 : 1;
     if (!args.sql.empty())
@@ -83,7 +88,6 @@ int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     }
     return PrintGrid(grid, out);
 }
-
 
 std::string CheckPlanArgs(const std::vector<std::string>& args)
 {

@@ -27,6 +27,7 @@ struct GridArgs
 {
     std::string sql;
     bool build = false;
+    std::string plan; // a plan file opened into tab 0 (scope and chart take one)
     bool count = false;
     std::string error; // a usage error; empty when the arguments are well formed
 };
@@ -37,7 +38,8 @@ GridArgs ParseGridArgs(const std::vector<std::string>& args);
 // Returned: 0; 1 when the output could not be written.
 int PrintGrid(spread::Grid& grid, std::ostream& out);
 
-// Loads tab 0 as the command does: the start list LoadForm left, or the given or built query.
+// Loads tab 0 as the command does: the start list LoadForm left, the plan file opened as the
+// program opens a chosen plan, or the given or built query.
 // Returned: 0 when the list is loaded, even with no rows; 1 when the object database is not
 //   open or the query failed (the port has shown why).
 int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,

@@ -9,9 +9,7 @@
 #include "scope/TelescopeStuff.h"
 #include "services/Fault.h"
 #include "services/ScriptedUiPort.h"
-#include "spread/Plans.h"
 
-#include <charconv>
 #include <iostream>
 #include <map>
 #include <optional>
@@ -43,11 +41,8 @@ struct ScopeLine
 
 std::optional<int> PositiveInt(const std::string& text)
 {
-    int n = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), n);
-    if (error != std::errc() || end != text.data() + text.size() || n < 1)
-        return std::nullopt;
-    return n;
+    const std::optional<int> n = WholeNumber(text);
+    return n && *n >= 1 ? n : std::nullopt;
 }
 
 // Reads a line's words; topLevel allows the action "-".
@@ -263,23 +258,14 @@ private:
     int Load(const ScopeLine& line)
     {
         listLoaded_ = false;
-        if (!start_.objectDatabaseOpen)
+        GridArgs args;
+        args.build = line.list == ScopeLine::List::Build;
+        args.plan = line.list == ScopeLine::List::Plan ? line.value : std::string();
+        args.sql = line.list == ScopeLine::List::Sql      ? line.value
+                   : line.list == ScopeLine::List::Object ? ObjectSql(line)
+                                                          : std::string();
+        if (LoadTab0(TMM_, start_, args, clock_) != 0)
             return 1;
-        TMM_.CurrTab = 0;
-        if (line.list == ScopeLine::List::Plan) {
-            const spread::PlanIntoGrid opened = spread::OpenPlanIntoGrid(
-                TMM_, TMM_.grids[0], TMM_.plans[0], line.value, clock_);
-            if (!opened.opened.opened || opened.load.failed)
-                return 1;
-        } else {
-            GridArgs args;
-            args.build = line.list == ScopeLine::List::Build;
-            args.sql = line.list == ScopeLine::List::Sql      ? line.value
-                       : line.list == ScopeLine::List::Object ? ObjectSql(line)
-                                                              : std::string();
-            if (LoadTab0(TMM_, start_, args, clock_) != 0)
-                return 1;
-        }
         listLoaded_ = true;
         if (line.list == ScopeLine::List::Object && TMM_.grids[0].MaxRows() == 0) {
             std::cerr << "selvane-cli: no object \"" << line.value << "\""

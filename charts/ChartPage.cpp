@@ -17,6 +17,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdio>
 #include <system_error>
 
 namespace charts {
@@ -96,16 +97,23 @@ std::vector<int> KeyMagnitudes(const ChartImage& chart)
     return out;
 }
 
-void DrawMagnitudeKey(QPainter& painter, const QRectF& area, double unit, double chartScale,
-                      const ChartImage& chart)
+// A key's title at the top of its area. Returned: the title's height.
+double DrawKeyTitle(QPainter& painter, const QRectF& area, double unit, const char* text)
 {
     const QFont title = PageFont(kKeySize * unit, true);
-    const QFont label = PageFont(kKeySize * unit);
     painter.setFont(title);
     painter.setPen(Qt::black);
     const double titleHeight = QFontMetricsF(title).height();
     painter.drawText(QRectF(area.left(), area.top(), area.width(), titleHeight),
-                     Qt::AlignLeft | Qt::AlignVCenter, "Star magnitudes");
+                     Qt::AlignLeft | Qt::AlignVCenter, text);
+    return titleHeight;
+}
+
+void DrawMagnitudeKey(QPainter& painter, const QRectF& area, double unit, double chartScale,
+                      const ChartImage& chart)
+{
+    const double titleHeight = DrawKeyTitle(painter, area, unit, "Star magnitudes");
+    const QFont label = PageFont(kKeySize * unit);
 
     const std::vector<int> mags = KeyMagnitudes(chart);
     if (mags.empty())
@@ -130,13 +138,8 @@ void DrawMagnitudeKey(QPainter& painter, const QRectF& area, double unit, double
 
 void DrawSymbolKey(QPainter& painter, const QRectF& area, double unit)
 {
-    const QFont title = PageFont(kKeySize * unit, true);
+    const double titleHeight = DrawKeyTitle(painter, area, unit, "Symbols");
     const QFont label = PageFont(kKeySize * unit);
-    painter.setFont(title);
-    painter.setPen(Qt::black);
-    const double titleHeight = QFontMetricsF(title).height();
-    painter.drawText(QRectF(area.left(), area.top(), area.width(), titleHeight),
-                     Qt::AlignLeft | Qt::AlignVCenter, "Symbols");
 
     constexpr int kRows = 5;
     const double rowHeight = (area.height() - titleHeight) / kRows;
@@ -261,6 +264,14 @@ void PaintChartPage(QPainter& painter, const QRectF& page, const ChartImage& cha
                   QRectF(page.left() + half + unit, legendTop, half - unit, kLegendHeight * unit),
                   unit);
     painter.restore();
+}
+
+std::string ChartPageDate(const astro::LocalDateTime& moment)
+{
+    char text[40];
+    std::snprintf(text, sizeof text, "%04d-%02d-%02d %02d:%02d", moment.year, moment.month,
+                  moment.day, moment.hour, moment.minute);
+    return text;
 }
 
 void WriteChartPdf(const std::filesystem::path& path, const ChartImage& chart,

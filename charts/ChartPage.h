@@ -5,6 +5,7 @@
 // with the chart engine's own marks (charts/ChartEngine.h), so they match the picture. Text is
 // written as text, so the PDF can be searched and its fonts are embedded.
 
+#include "astro/ObservingClock.h"
 #include "charts/ChartEngine.h"
 
 #include <QRectF>
@@ -28,6 +29,9 @@ struct ChartPageInfo
 };
 
 enum class PagePaper { Letter, A4 };
+
+// The date line of a page: "2025-11-08 21:30".
+std::string ChartPageDate(const astro::LocalDateTime& moment);
 
 // The legend's texts: "RA 5h 35m 17.3s  Dec -5° 23' 28\"" (UTF-8; seconds of right ascension
 // to a tenth, of declination whole, carried upwards), "Field 35°" and "Stars to mag 7.6".

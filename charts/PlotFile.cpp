@@ -66,11 +66,7 @@ bool South(const std::string& degrees)
     return !trimmed.empty() && trimmed[0] == '-';
 }
 
-// Mid(text, start, length) with a 1-based start; past the end gives what there is.
-std::string Mid(const std::string& text, std::size_t start, std::size_t length = std::string::npos)
-{
-    return start - 1 < text.size() ? text.substr(start - 1, length) : std::string();
-}
+using vb::Mid;
 
 struct Range
 {

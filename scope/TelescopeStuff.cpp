@@ -96,13 +96,7 @@ public:
     void EndProcess(int) override { throw IgnoredFault{}; }
 };
 
-// VB's Mid(text, start, length) and Right(text, length): clipped to the text.
-std::string Mid(const std::string& text, std::size_t start, std::size_t length)
-{
-    if (start > text.size())
-        return {};
-    return text.substr(start - 1, length);
-}
+using services::vb::Mid;
 
 // The last four characters of a cell, but never those before column first (1-based): a cell
 // too short for its seconds gives none.

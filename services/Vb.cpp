@@ -1175,6 +1175,13 @@ std::optional<QTime> ParseTime(std::string_view text)
     return time;
 }
 
+std::string Mid(std::string_view text, std::size_t start, std::size_t length)
+{
+    if (start < 1 || start > text.size())
+        return {};
+    return std::string(text.substr(start - 1, length));
+}
+
 std::string Trim(std::string_view text)
 {
     return LTrim(RTrim(text));

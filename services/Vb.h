@@ -57,6 +57,10 @@ bool IsDate(std::string_view text, const Regional& regional = {});
 std::optional<QTime> ParseTime(std::string_view text);
 
 std::string Trim(std::string_view text);
+// Mid(text, start, length) with a 1-based start, counted in bytes; past the end gives what
+// there is, a start beyond it nothing.
+std::string Mid(std::string_view text, std::size_t start,
+                std::size_t length = std::string_view::npos);
 std::string LTrim(std::string_view text);
 std::string RTrim(std::string_view text);
 std::string UCase(std::string_view text);

@@ -33,10 +33,7 @@ struct CellPosition
     double epoch = 2000;
 };
 
-std::string Mid(const std::string& text, std::size_t start, std::size_t length)
-{
-    return start > text.size() ? std::string() : text.substr(start - 1, length);
-}
+using vb::Mid;
 
 CellPosition ReadCells(const ChartRow& row)
 {

@@ -6,7 +6,6 @@
 #include "services/Fault.h"
 #include "services/UiPort.h"
 
-#include <QDateTime>
 #include <QAction>
 #include <QCloseEvent>
 #include <QContextMenuEvent>
@@ -370,7 +369,7 @@ ChartPageInfo ChartWindow::PageInfo(const ChartImage& chart) const
     info.fieldDeg = chart.fieldDeg;
     info.limitMag = chart.limitMag;
     // The page is dated when it is made: the computer clock's local time.
-    info.date = QDateTime::currentDateTime().toString("yyyy-MM-dd hh:mm").toStdString();
+    info.date = ChartPageDate(astro::SystemClock().Now());
     info.landscape = canvas_->width() > canvas_->height();
     return info;
 }

@@ -140,17 +140,6 @@ TEST(ParseChartLayers, DefaultsStarsOnlyAndUnknownNames)
     EXPECT_EQ(odd.unknown, (std::vector<std::string>{"planets", "milky way"}));
 }
 
-TEST(DefaultLimitMagnitude, BrighterForWiderFields)
-{
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(1), 9.0, 1e-12);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(10), 9.0, 1e-12);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(35), 7.64, 0.01);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(60), 7.05, 0.01);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(180), 5.86, 0.01);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(1000), 5.86, 0.01);
-    EXPECT_NEAR(charts::DefaultLimitMagnitude(std::nan("")), 5.86, 0.01);
-}
-
 TEST(DsoLabel, MessierNumbersExtraNamesAndIdentifiers)
 {
     EXPECT_EQ(charts::DsoLabel("42", "NGC 1976"), "M42");

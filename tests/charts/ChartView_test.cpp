@@ -21,32 +21,6 @@ DrawnObject Drawn(DrawnKind kind, std::string id, double x, double y, double r)
     return d;
 }
 
-TEST(ZoomIn, StepsAndClampsAtBothEnds)
-{
-    struct Row
-    {
-        double field;
-        double in;
-        double out;
-    };
-    const Row rows[] = {
-        {35, 35 / 1.5, 52.5},
-        {1.2, 1, 1.8},   // one step in would go under a degree
-        {1, 1, 1.5},     // already the narrowest
-        {150, 100, 180}, // one step out would pass the whole sky
-        {180, 120, 180}, // already the widest
-        {0, 1, 1.5},     // a field under the range counts as the narrowest
-        {std::numeric_limits<double>::quiet_NaN(), 120, 180}, // not a number: the widest
-    };
-    for (const Row& row : rows) {
-        SCOPED_TRACE(row.field);
-        EXPECT_NEAR(ZoomIn(row.field), row.in, 1e-12);
-        EXPECT_NEAR(ZoomOut(row.field), row.out, 1e-12);
-    }
-    // In and out again come back to the field, away from the limits.
-    EXPECT_NEAR(ZoomOut(ZoomIn(35)), 35, 1e-12);
-}
-
 TEST(PickDrawnObject, NearestWithinRadiusPlusSlack)
 {
     const std::vector<DrawnObject> drawn = {
@@ -139,21 +113,6 @@ TEST(PanCentre, TheOldCentreFollowsTheDrag)
     EXPECT_NEAR(still.decDeg, 20, 1e-9);
     // Dragging the picture to the right brings eastern sky (greater right ascension) in.
     EXPECT_GT(PanCentre(5.5, 0, 35, 800, 600, 100, 0).raHours, 5.5);
-}
-
-TEST(StarCaption, NameOrLineAndMagnitude)
-{
-    DrawnObject star = Drawn(DrawnKind::Star, "S58", 0, 0, 3);
-    star.name = "Betelgeuse";
-    star.mag = 0.45;
-    EXPECT_EQ(StarCaption(star), "Betelgeuse  mag 0.45");
-    EXPECT_EQ(DrawnTarget(star), "Betelgeuse");
-    star.name.clear();
-    star.mag = -1.46;
-    EXPECT_EQ(StarCaption(star), "S58  mag -1.46");
-    star.mag.reset();
-    EXPECT_EQ(StarCaption(star), "S58");
-    EXPECT_EQ(DrawnTarget(Drawn(DrawnKind::Dso, "M 42", 0, 0, 3)), "M 42");
 }
 
 TEST(FinderZoomFactor, ListEntriesAndTypedFactors)
