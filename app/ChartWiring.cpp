@@ -270,9 +270,9 @@ private:
 
 } // namespace
 
-void WireCharts(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                const astro::Clock& clock, const ScopeWiring& scope,
-                const std::filesystem::path& resources)
+ChartContextSource WireCharts(spread::frmMainScreen& window, spread::AppState& state,
+                              services::UiPort& ui, const astro::Clock& clock,
+                              const ScopeWiring& scope, const std::filesystem::path& resources)
 {
     std::error_code ignored;
     std::filesystem::remove(state.dir.File(charts::kChartWorkFile), ignored);
@@ -299,6 +299,7 @@ void WireCharts(spread::frmMainScreen& window, spread::AppState& state, services
     dispatcher.SetAction("tolvmoon", [link] { link->VirtualMoon(); });
     dispatcher.SetAction("vso", [link] { link->VariableStars(false); });
     dispatcher.SetAction("vsoall", [link] { link->VariableStars(true); });
+    return [link] { return link->Context(); };
 }
 
 } // namespace app

@@ -14,6 +14,7 @@
 #include "astro/ObservingClock.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace services {
 class UiPort;
@@ -21,6 +22,7 @@ class UiPort;
 namespace spread {
 class frmMainScreen;
 struct AppState;
+struct ChartContext;
 } // namespace spread
 
 namespace app {
@@ -30,10 +32,13 @@ namespace app {
 //   program folder (DSO.DAT, SelvaneObs.txt), the grids and the setting `planetarium`; ui, the
 //   program's port; clock, the computer clock; scope, the telescope's wiring; resources, the
 //   folder of the chart data, read on the first chart. All outlive the window.
+// Returned: the chart context of the current tab and its selected row, for the reports that
+//   draw charts; it lives as long as the window.
 // Notes: a DSO.DAT left in the program folder by an earlier run is deleted (errors ignored), so
 //   that the first chart is not refused as a second one.
-void WireCharts(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                const astro::Clock& clock, const ScopeWiring& scope,
-                const std::filesystem::path& resources);
+using ChartContextSource = std::function<spread::ChartContext()>;
+ChartContextSource WireCharts(spread::frmMainScreen& window, spread::AppState& state,
+                              services::UiPort& ui, const astro::Clock& clock,
+                              const ScopeWiring& scope, const std::filesystem::path& resources);
 
 } // namespace app

@@ -14,7 +14,7 @@
 // of time), elements (comet and asteroid elements imported into AstComet.mdb), scope (the
 // telescope routines on the mount of telescopetype), plotfile (the plot window: a plot file
 // opened, entries added, the file saved), chart (the chart commands: own charts drawn to
-// pictures, or sent to the planetarium).
+// pictures, or sent to the planetarium), report (the report window's reports written to PDF).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -32,6 +32,7 @@
 #include "app/OutsideCommand.h"
 #include "app/PlanetsCommand.h"
 #include "app/PlotFileCommand.h"
+#include "app/ReportCommand.h"
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
@@ -262,6 +263,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunChartCommand(TMM, start, args, std::cout, clock);
           },
           app::ChartUsage}},
+        {"report",
+         {app::CheckReportArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunReportCommand(TMM, start, args, std::cout, clock);
+          },
+          app::ReportUsage}},
     };
     return commands;
 }
@@ -270,9 +279,14 @@ const std::map<std::string, Command>& Commands()
 
 int main(int argc, char* argv[])
 {
-    // Charts draw with fonts, which need the GUI application; no window is ever shown.
+    std::ios::sync_with_stdio(false);
+    std::vector<std::string> args(argv + 1, argv + argc);
+    const app::CliOptions options = app::ParseCliOptions(args);
+
+    // Charts and reports draw with fonts, which need the GUI application; no window is ever
+    // shown.
     std::unique_ptr<QCoreApplication> application;
-    if (std::find(argv + 1, argv + argc, std::string_view("chart")) != argv + argc) {
+    if (options.command == "chart" || options.command == "report") {
         if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
             qputenv("QT_QPA_PLATFORM", "offscreen");
         if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
@@ -286,9 +300,6 @@ int main(int argc, char* argv[])
     } else {
         application = std::make_unique<QCoreApplication>(argc, argv);
     }
-    std::ios::sync_with_stdio(false);
-    std::vector<std::string> args(argv + 1, argv + argc);
-    const app::CliOptions options = app::ParseCliOptions(args);
     if (!options.error.empty()) {
         std::cerr << "selvane-cli: " << options.error << "\n" << app::CliUsage << "\n";
         return 2;

@@ -2,6 +2,7 @@
 
 #include "app/BackupWiring.h"
 #include "app/ChartWiring.h"
+#include "app/ReportWiring.h"
 #include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
@@ -86,7 +87,9 @@ int main(int argc, char* argv[])
     ui.SetSpeaker(scopeWiring.Speak);
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
-    app::WireCharts(window, state, ui, clock, scopeWiring, data::ResourcesBesideExecutable());
+    app::WireReports(window, state, clock,
+                     app::WireCharts(window, state, ui, clock, scopeWiring,
+                                     data::ResourcesBesideExecutable()));
 
     window.Form_Load(QString("%1.%2.%3")
                          .arg(data::VersionMajor)

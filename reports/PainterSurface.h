@@ -46,6 +46,8 @@ public:
     int PageWidth() const override;
     int PageHeight() const override;
 
+    // True from EndDoc until the next StartDoc: the document is complete.
+    bool Finished() const;
     Orientation PageOrientation() const;
     Paper PaperSize() const;
 

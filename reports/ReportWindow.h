@@ -62,6 +62,10 @@ public:
     ReportWindow(ReportContext& context, PrintSurface& surface);
 
     int ReportNumber = 0;
+    // Whether a number is one of the report table's; whether its report is built in this
+    // version (the log reports and certificates are not yet: they say so).
+    static bool Known(int number);
+    static bool Available(int number);
 
     // The values callers hand over before the window opens.
     void ObsPlan(std::string name) { obsPlan_ = std::move(name); }

@@ -1,19 +1,129 @@
-// Stand-in until the report table lands: every number prints an empty frame.
+// The table of report numbers: Command9_Click runs the routine of ReportWindow::ReportNumber.
+
+#include "reports/PlanReports.h"
 #include "reports/ReportWindow.h"
+#include "reports/TextReports.h"
+
+#include "services/Fault.h"
+#include "spread/AppState.h"
+
+#include <algorithm>
 
 namespace reports {
 
+namespace {
+
+struct ReportRoutine
+{
+    const char* name; // the routine, for fault locations
+    void (*run)(ReportWindow& window);
+};
+
+// The reports of the logbook tables and the certificates come with the log reports.
+bool LogReport(int number)
+{
+    constexpr int numbers[] = {2, 3, 4, 7, 8, 30, 77, 88, 133, 134};
+    return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
+}
+
+std::optional<ReportRoutine> RoutineOf(int number)
+{
+    switch (number) {
+    case 1:
+    case 5:
+    case 6:
+        return ReportRoutine{"Command9_Click", PrintTextDocument};
+    case 10:
+    case 11:
+        return ReportRoutine{"Command9_Click", PrintWindowText};
+    case 12:
+        return ReportRoutine{"printAtScopeLog", [](ReportWindow& w) { printAtScopeLog(w, false); }};
+    case 13:
+        return ReportRoutine{"printAtScopeLog", [](ReportWindow& w) { printAtScopeLog(w, true); }};
+    case 14:
+        return ReportRoutine{"printbatchscopelog", printbatchscopelog};
+    case 15:
+        return ReportRoutine{"printplanreport", printplanreport};
+    case 16:
+        return ReportRoutine{"printchartreport", printchartreport};
+    case 17:
+    case 18:
+    case 19:
+    case 20:
+        return ReportRoutine{"Command9_Click", PrintEntryNotes};
+    case 150:
+        return ReportRoutine{"calcfullmoon", calcfullmoon};
+    case 151:
+        return ReportRoutine{"PrintPlanObjectsObserved", PrintPlanObjectsObserved};
+    case 1111:
+    case 1112:
+        return ReportRoutine{"PrintNotes", PrintNotes};
+    default:
+        return std::nullopt;
+    }
+}
+
+} // namespace
+
+bool ReportWindow::Known(int number)
+{
+    return RoutineOf(number) || LogReport(number) || number == 90 ||
+           (number >= 900 && number <= 903);
+}
+
+bool ReportWindow::Available(int number)
+{
+    return Known(number) && !LogReport(number);
+}
+
 void ReportWindow::Command9_Click()
 {
-    surface_.StartDoc();
-    surface_.Paragraph("Report " + std::to_string(ReportNumber));
-    surface_.EndDoc();
+    spread::AppState& TMM = context_.TMM;
+    page_ = 1;
+    zoom_ = 0;
+    surface_.SetMargins({});
+    if (ReportNumber == 90 || (ReportNumber >= 900 && ReportNumber <= 903)) {
+        PrintNewChart(ReportNumber);
+        return;
+    }
+    if (LogReport(ReportNumber)) {
+        TMM.ui.ShowMessage(kNotAvailableYet, kReportCaption, "I");
+        return;
+    }
+    const std::optional<ReportRoutine> routine = RoutineOf(ReportNumber);
+    if (!routine)
+        return;
+    TMM.ui.Busy(services::BusyKind::Printing);
+    services::Trap(TMM.ui, std::string("frmUserM.") + routine->name,
+                   [&] { routine->run(*this); });
+    TMM.ui.EndBusy();
 }
 
 void ReportWindow::PrintNewChart(int number)
 {
-    ReportNumber = number;
-    Command9_Click();
+    spread::AppState& TMM = context_.TMM;
+    page_ = 1;
+    zoom_ = 0;
+    const std::optional<QImage> picture =
+        context_.capture ? context_.capture(number) : std::optional<QImage>();
+    if (!picture || picture->isNull()) {
+        TMM.ui.ShowMessage("Please open the chart first", "Invalid Usage", "I");
+        return;
+    }
+    services::Trap(TMM.ui, "frmUserM.PrintNewChart", [&] {
+        surface_.StartDoc();
+        surface_.SetHeaderFont("Arial", 10);
+        surface_.SetFooter(DataFooter(context_));
+        surface_.SetFont({"Arial", 20, true});
+        surface_.Paragraph(number == 90 ? "Selvane 2003 3-Panel Finder Chart"
+                                        : "Selvane 2003 Quick Chart");
+        surface_.Paragraph("");
+        const int width = surface_.PageWidth() - 2 * 1440;
+        const int height = picture->width() > 0 ? width * picture->height() / picture->width() : 0;
+        surface_.Pictures({*picture}, width, std::min(height, surface_.PageHeight() - 4 * 1440),
+                          0);
+        surface_.EndDoc();
+    });
 }
 
 } // namespace reports

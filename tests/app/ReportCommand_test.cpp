@@ -1,0 +1,127 @@
+// selvane-cli report run as a program: PDF files read back with poppler's pdftotext and pdfinfo,
+// the grid's values on the sheets, the logbook entries a report picks, and the refusals that
+// leave no file.
+
+#include "CliRunner.h"
+
+#include <QFile>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+using clitest::CliRun;
+
+class ReportCommandTest : public ::testing::Test
+{
+protected:
+    void SetUp() override
+    {
+        ASSERT_TRUE(home.isValid());
+        QFile settings(home.path() + "/s.ini");
+        ASSERT_TRUE(settings.open(QIODevice::WriteOnly));
+        settings.write("[Preferences]\nFIRST=False\n");
+    }
+
+    CliRun Report(const QStringList& args)
+    {
+        return clitest::RunCli(home.path(), QStringList{"report"} + args);
+    }
+    CliRun Cli(const QStringList& args) { return clitest::RunCli(home.path(), args); }
+
+    QString File(const char* name) const { return home.path() + "/" + name; }
+
+    // A poppler tool's output for a file.
+    static std::string Poppler(const char* tool, const QString& file,
+                               const QStringList& options = {})
+    {
+        QProcess process;
+        const bool text = QString(tool) == "pdftotext";
+        process.start(tool, options + (text ? QStringList{file, "-"} : QStringList{file}));
+        EXPECT_TRUE(process.waitForFinished(60000));
+        return process.readAllStandardOutput().toStdString();
+    }
+
+    QTemporaryDir home;
+};
+
+TEST_F(ReportCommandTest, SheetsOfTheGridRowWrittenAsPdf)
+{
+    // Row 2 of the start list is M 2.
+    const CliRun run = Report({"12", "--pdf", File("sheet.pdf"), "--row", "2"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    ASSERT_EQ(run.lines.size(), 2u);
+    EXPECT_EQ(run.lines[0], "Report\tPages\tFile");
+    EXPECT_EQ(run.lines[1], "12\t1\t" + File("sheet.pdf").toStdString());
+    const std::string text = Poppler("pdftotext", File("sheet.pdf"), {"-layout"});
+    for (const char* expected : {"Selvane 2003 Observation Log Entry", "Object Data :",
+                                 "NGC 7089", "M 2", "LOW POWER FIELD DRAWING", "Ocular (Power)"})
+        EXPECT_NE(text.find(expected), std::string::npos) << expected << "\n" << text;
+    const std::string info = Poppler("pdfinfo", File("sheet.pdf"));
+    EXPECT_NE(info.find("612 x 792 pts (letter)"), std::string::npos) << info;
+
+    // The quick printout of the list, in landscape on A4.
+    const CliRun quick = Report({"quick", "--pdf", File("quick.pdf"), "--paper", "a4"});
+    ASSERT_EQ(quick.exit, 0) << quick.err;
+    const std::string quickInfo = Poppler("pdfinfo", File("quick.pdf"));
+    EXPECT_NE(quickInfo.find("842 x 595"), std::string::npos) << quickInfo;
+    EXPECT_NE(Poppler("pdftotext", File("quick.pdf")).find("NGC 1952"), std::string::npos);
+}
+
+TEST_F(ReportCommandTest, NotesOfTheLogbookInTheirOrder)
+{
+    ASSERT_EQ(Cli({"log", "add", "ObjectID=NGC 224", "DateObserved=2024-10-01",
+                   "ObservationText=Dust lane seen"})
+                  .exit,
+              0);
+    ASSERT_EQ(Cli({"log", "add", "ObjectID=NGC 7000", "DateObserved=2025-08-01",
+                   "ObservationText=Pelican too"})
+                  .exit,
+              0);
+    const CliRun run = Report({"1111", "--pdf", File("notes.pdf"), "--answer", "yes"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    EXPECT_NE(run.err.find("[?] NOTES PRINTOUT: Click Yes to print ALL notes"), std::string::npos);
+    const std::string text = Poppler("pdftotext", File("notes.pdf"));
+    const std::size_t newer = text.find("Object ID: NGC 7000");
+    const std::size_t older = text.find("Object ID: NGC 224");
+    ASSERT_NE(newer, std::string::npos) << text;
+    ASSERT_NE(older, std::string::npos) << text;
+    EXPECT_LT(newer, older);
+    EXPECT_NE(text.find("Pelican too"), std::string::npos);
+}
+
+TEST_F(ReportCommandTest, RefusalsLeaveNoFile)
+{
+    EXPECT_EQ(Report({"9", "--pdf", File("x.pdf")}).exit, 2);
+    EXPECT_EQ(Report({"12"}).exit, 2);
+    EXPECT_EQ(Report({"90", "--pdf", File("x.pdf")}).exit, 2);
+    EXPECT_EQ(Report({"12", "--pdf", File("x.pdf"), "--paper", "legal"}).exit, 2);
+
+    CliRun run = Report({"12", "--pdf", File("x.pdf"), "--row", "500"});
+    EXPECT_EQ(run.exit, 1);
+    run = Report({"150", "--pdf", File("x.pdf"), "--input", "1850"});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("[E] Invalid Input!: Please enter a year after 1900"),
+              std::string::npos)
+        << run.err;
+    run = Report({"16", "--pdf", File("x.pdf"), "--chart-open"});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("Please close your star chart first before running this report"),
+              std::string::npos)
+        << run.err;
+    run = Report({"3", "--pdf", File("x.pdf")});
+    EXPECT_EQ(run.exit, 1);
+    run = Report({"13", "--pdf", home.path() + "/no/such/folder/x.pdf"});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("Cannot write"), std::string::npos) << run.err;
+    EXPECT_FALSE(QFile::exists(File("x.pdf")));
+
+    // A blank sheet on an empty list still prints its frame.
+    run = Report({"13", "--pdf", File("blank.pdf"), "--sql",
+                  "Select * From SelvaneTable Where ObjectID = 'none'"});
+    EXPECT_EQ(run.exit, 0) << run.err;
+}
+
+} // namespace
