@@ -51,6 +51,10 @@ public:
     Orientation PageOrientation() const;
     Paper PaperSize() const;
 
+    // The text runs of a page (from 1) in the order they were laid out, header and footer last:
+    // what a reader of the page would find, for tests.
+    std::vector<std::string> PageTexts(int page) const;
+
     // Paints page `page` (from 1) on a white sheet; the painter's units must be twips of the
     // paper (the caller scales it). Nothing for a page that does not exist.
     void PaintPage(int page, QPainter& painter) const;
