@@ -147,7 +147,7 @@ struct ReportCharts
         return *sky;
     }
 
-    std::unique_ptr<charts::ChartSky> sky;
+    std::optional<charts::ChartSky> sky;
     charts::OwnChart own;
     charts::CdcBridge cdc;
     charts::ChartLink link;

@@ -179,6 +179,7 @@ struct PainterSurface::Impl
     Paper paper = Paper::Letter, docPaper = Paper::Letter;
     Margins margins, docMargins;
     bool started = false;
+    bool ended = false;
 
     std::string header, footer;
     FontSpec headerFont{"Arial", 8};
@@ -267,6 +268,7 @@ void PainterSurface::StartDoc()
     d_->docPaper = d_->paper;
     d_->docMargins = d_->margins;
     d_->started = true;
+    d_->ended = false;
     d_->pages.clear();
     d_->NewPage();
 }
@@ -277,6 +279,12 @@ void PainterSurface::EndDoc()
         d_->NewPage();
     for (size_t i = 0; i < d_->pages.size(); ++i)
         d_->HeaderAndFooter(d_->pages[i], static_cast<int>(i) + 1);
+    d_->ended = true;
+}
+
+bool PainterSurface::Finished() const
+{
+    return d_->ended;
 }
 
 void PainterSurface::NewPage()
@@ -296,7 +304,14 @@ void PainterSurface::SetPaper(Paper paper)
 
 void PainterSurface::SetMargins(const Margins& margins)
 {
+    // Margins set inside a document hold from where the text stands.
     d_->margins = margins;
+    if (d_->started && !d_->ended) {
+        const bool atTop = d_->AtTop();
+        d_->docMargins = margins;
+        if (atTop)
+            d_->y = margins.top;
+    }
 }
 
 void PainterSurface::SetHeader(std::string_view text)

@@ -94,7 +94,8 @@ public:
     virtual void EndDoc() = 0;
     virtual void NewPage() = 0;
 
-    // Page format; takes effect at the next StartDoc.
+    // Page format; orientation and paper take effect at the next StartDoc, margins also inside
+    // the open document from where the text stands.
     virtual void SetOrientation(Orientation orientation) = 0;
     virtual void SetPaper(Paper paper) = 0;
     virtual void SetMargins(const Margins& margins) = 0;

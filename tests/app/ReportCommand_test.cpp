@@ -72,14 +72,13 @@ TEST_F(ReportCommandTest, SheetsOfTheGridRowWrittenAsPdf)
 
 TEST_F(ReportCommandTest, NotesOfTheLogbookInTheirOrder)
 {
-    ASSERT_EQ(Cli({"log", "add", "ObjectID=NGC 224", "DateObserved=2024-10-01",
-                   "ObservationText=Dust lane seen"})
-                  .exit,
-              0);
-    ASSERT_EQ(Cli({"log", "add", "ObjectID=NGC 7000", "DateObserved=2025-08-01",
-                   "ObservationText=Pelican too"})
-                  .exit,
-              0);
+    for (const auto& [id, date, notes] : {std::tuple{"NGC 224", "10/01/2024", "Dust lane seen"},
+                                          std::tuple{"NGC 7000", "08/01/2025", "Pelican too"}})
+        ASSERT_EQ(Cli({"log", "add", QString("ObjectID=") + id, "Catalog=2000",
+                       QString("DateObserved=") + date, "TimeObserved=21:00",
+                       QString("ObservationText=") + notes})
+                      .exit,
+                  0);
     const CliRun run = Report({"1111", "--pdf", File("notes.pdf"), "--answer", "yes"});
     ASSERT_EQ(run.exit, 0) << run.err;
     EXPECT_NE(run.err.find("[?] NOTES PRINTOUT: Click Yes to print ALL notes"), std::string::npos);

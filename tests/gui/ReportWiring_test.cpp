@@ -1,0 +1,140 @@
+// The reports from the main window's keys over the small edition and the built chart data: the
+// plan details and the finder sheet of the selected row previewed in the report window, the
+// refusal of a solar-system row, and the reports of a later version. With
+// SELVANE_SCREENSHOT_DIR naming a folder, the previews are saved there as report-15.png and
+// report-16.png.
+
+#include "app/ChartWiring.h"
+#include "app/ReportWiring.h"
+#include "reports/ui/frmUserM.h"
+#include "data/ObjectFilter.h"
+
+#include "LogbookFolder.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QStatusBar>
+#include <QTableView>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct ReportScreen : LogbookFolder
+{
+    TestPort ui;
+    spread::AppState state{ui, dir, data::SettingsStore(dir.File("Selvane2000.ini"))};
+    astro::FixedClock clock{{2024, 1, 15, 21, 0, 0}};
+    std::unique_ptr<spread::frmMainScreen> window;
+
+    ReportScreen() : LogbookFolder({})
+    {
+        state.objectDb = std::move(objectDb);
+        state.logbookDb = std::move(logbookDb);
+        state.logbookPath = logbookPath;
+        state.NoLoadYet = false;
+        spread::MainScreenHooks hooks;
+        hooks.computerClock = &clock;
+        window = std::make_unique<spread::frmMainScreen>(state, ui, hooks);
+        app::ScopeWiring scope;
+        scope.TelescopeEnabled = [] { return false; };
+        scope.ConnectTelescope = [] { return false; };
+        scope.SpeechRegistered = [] { return false; };
+        app::WireReports(*window, state, clock,
+                         app::WireCharts(*window, state, ui, clock, scope, SELVANE_RESOURCE_DIR));
+        window->resize(1100, 700);
+        window->show();
+        state.SQL = data::ShowMessierList().SQL;
+        window->LoadCurrentTab("NOBUILD");
+    }
+    ~ReportScreen()
+    {
+        window.reset();
+        Settle();
+    }
+
+    int Select(const std::string& id)
+    {
+        const spread::Grid& grid = state.grids[0];
+        for (int row = 1; row <= grid.MaxRows(); ++row)
+            if (grid.Text(row, 4) == id) {
+                QTableView& view = window->grdObject(0);
+                view.setCurrentIndex(view.model()->index(row - 1, 3));
+                return row;
+            }
+        ADD_FAILURE() << id << " is not in the grid";
+        return 0;
+    }
+
+    reports::frmUserM* Report() const
+    {
+        const QList<QWidget*> widgets = window->findChildren<QWidget*>();
+        for (auto it = widgets.rbegin(); it != widgets.rend(); ++it)
+            if (auto* report = dynamic_cast<reports::frmUserM*>(*it))
+                return report;
+        return nullptr;
+    }
+};
+
+void Save(QWidget& widget, const char* name)
+{
+    const char* folder = std::getenv("SELVANE_SCREENSHOT_DIR");
+    if (!folder || !*folder)
+        return;
+    QDir().mkpath(folder);
+    Settle();
+    EXPECT_TRUE(widget.grab().save(QDir(folder).filePath(name))) << name;
+}
+
+TEST(ReportWiring, SheetsOfTheSelectedRowInThePreview)
+{
+    ReportScreen s;
+    s.Select("NGC 1976");
+    s.window->ab_ToolClick("mnuopd");
+    Settle();
+    reports::frmUserM* plan = s.Report();
+    ASSERT_NE(plan, nullptr);
+    EXPECT_EQ(plan->windowTitle(), "Selvane 2003 Reporting");
+    EXPECT_GE(plan->Surface().PageCount(), 1);
+    EXPECT_TRUE(plan->chartOptions->isVisible());
+    EXPECT_FALSE(plan->chkLand->isEnabled());
+    EXPECT_EQ(plan->Sbar->currentMessage().toStdString(),
+              "You are on Page 1 of " + std::to_string(plan->Surface().PageCount()));
+    plan->resize(1000, 760);
+    Save(*plan, "report-15.png");
+    plan->close();
+    Settle();
+
+    s.window->ab_ToolClick("OFinder");
+    Settle();
+    reports::frmUserM* finder = s.Report();
+    ASSERT_NE(finder, nullptr);
+    EXPECT_EQ(finder->Surface().PageCount(), 1);
+    finder->resize(1000, 760);
+    Save(*finder, "report-16.png");
+    finder->close();
+    Settle();
+    EXPECT_TRUE(s.ui.shown.empty()) << s.ui.shown.front().LongMessage;
+}
+
+TEST(ReportWiring, RefusalsOfTheMainWindow)
+{
+    ReportScreen s;
+    const int row = s.Select("NGC 1976");
+    s.state.grids[0].SetText(row, 24, "PLANETS");
+    s.window->ab_ToolClick("mnuopd");
+    Settle();
+    EXPECT_EQ(s.Report(), nullptr);
+    ASSERT_EQ(s.ui.shown.size(), 1u);
+    EXPECT_EQ(s.ui.shown[0].LongMessage,
+              "This option is currently not supported for Solar System objects in the observing "
+              "plan.");
+
+    s.window->ab_ToolClick("herschelcert");
+    Settle();
+    EXPECT_EQ(s.Report(), nullptr);
+    ASSERT_EQ(s.ui.shown.size(), 2u);
+    EXPECT_EQ(s.ui.shown[1].LongMessage, "This report is not available yet.");
+}
+
+} // namespace
