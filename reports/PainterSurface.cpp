@@ -179,7 +179,7 @@ struct PainterSurface::Impl
     Paper paper = Paper::Letter, docPaper = Paper::Letter;
     Margins margins, docMargins;
     bool started = false;
-    bool ended = false;
+    bool ended = false; // header and footer painted
 
     std::string header, footer;
     FontSpec headerFont{"Arial", 8};
@@ -214,7 +214,8 @@ struct PainterSurface::Impl
             NewPage();
     }
 
-    // Lines of text, each aligned within [left, left + width], from top; returns the height.
+    // Lines of text from top down, each aligned within [left, left + width]; lines that would
+    // reach below clipBottom are left out.
     void Lines(std::vector<Item>& page, const QStringList& lines, const QFont& qfont, double left,
                double width, double top, Align align, double clipBottom)
     {
@@ -275,11 +276,13 @@ void PainterSurface::StartDoc()
 
 void PainterSurface::EndDoc()
 {
+    if (d_->ended)
+        return;
+    d_->ended = true;
     if (d_->pages.empty())
         d_->NewPage();
     for (size_t i = 0; i < d_->pages.size(); ++i)
         d_->HeaderAndFooter(d_->pages[i], static_cast<int>(i) + 1);
-    d_->ended = true;
 }
 
 bool PainterSurface::Finished() const
