@@ -235,6 +235,7 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("ShowMilky", "ShowMilky", p.ShowMilky, true);
     visit("ShowCircle", "ShowCircle", p.ShowCircle, 0);
     visit("repChartFOV", "repChartFOV", p.repChartFOV, 15.0);
+    visit("repEyepieces", "repEyepieces", p.repEyepieces, false);
     visit("chartnotes", "chartnotes", p.chartnotes, true);
     visit("chartsmp", "chartsmp", p.chartsmp, false);
     visit("chartstarsonly", "chartstarsonly", p.chartstarsonly, false);

@@ -126,6 +126,9 @@ struct Preferences
     bool ShowMilky = true;
     int ShowCircle = 0;
     double repChartFOV = 15;
+    // The finder report's eyepiece panel shows the true field of each eyepiece of eyepiece.dat
+    // with the first telescope of scope.dat.
+    bool repEyepieces = false;
     bool chartnotes = true;
     bool chartsmp = false;
     bool chartstarsonly = false;

@@ -12,11 +12,45 @@
 
 #include "reports/ReportWindow.h"
 
+#include <QImage>
+
+#include <string>
+#include <vector>
+
 namespace spread {
 class Grid;
 }
+namespace data {
+struct ProgramDir;
+}
 
 namespace reports {
+
+// The cells of one grid row that these reports print, trimmed; database false for a row of
+// catalogue "PLANETS", "COMET" or "ASTEROID".
+struct PlanRow
+{
+    std::string observed, ObjectID, OtherID, Type, RA, Dec, Alt, Azm, Rise, Transit, Set, Const,
+        Size, Mag, Catalog, ImagePath, Herschel, RecordID, SkyChart, Uranometria, Millennium, Desc;
+    bool database = true;
+};
+PlanRow PlanRowOf(const spread::Grid& grid, int row);
+
+// The true field of an eyepiece on a telescope.
+struct EyepieceField
+{
+    std::string name;
+    double power = 0;        // scope focal length / eyepiece focal length
+    double trueFieldDeg = 0; // apparent field / power
+};
+// The eyepieces of eyepiece.dat (four at most, in file order) with the first telescope of
+// scope.dat, whose focal length is its aperture times its F-ratio. Nothing when a file is
+// missing or a focal length is 0; eyepieces with a focal length or apparent field of 0 are
+// left out.
+std::vector<EyepieceField> EyepieceFields(const data::ProgramDir& dir);
+// Draws each eyepiece's true field as a circle at the centre of a chart of fieldDeg degrees
+// across its shorter side, labelled with its power ("48x").
+void DrawEyepieceCircles(QImage& chart, double fieldDeg, const std::vector<EyepieceField>& fields);
 
 // printAtScopeLog: report 12 (blank false: the current row) and 13 (blank: empty cells, the
 // grid is not read). Location: frmUserM.printAtScopeLog

@@ -207,22 +207,9 @@ public:
         return found != notes_->end() ? found->second : std::string();
     }
 
-    // The object's picture: the Image Path cell in the image folders, or "".
     std::string ImageFile(const std::string& imagePath) const
     {
-        const std::string name = vb::Trim(imagePath);
-        if (name.empty())
-            return {};
-        const std::filesystem::path base = TMM_.prefs.SVImagePath.empty()
-                                               ? TMM_.dir.path
-                                               : std::filesystem::path(TMM_.prefs.SVImagePath);
-        for (const char* folder : {"widefieldimages", "oldds", ""}) {
-            std::error_code ignored;
-            const std::filesystem::path file = base / folder / name;
-            if (std::filesystem::is_regular_file(file, ignored))
-                return file.string();
-        }
-        return {};
+        return FindObjectImage(TMM_, imagePath);
     }
 
 private:
@@ -406,6 +393,22 @@ void RunChart(ChartContext& c, const char* location, const std::function<void()>
 }
 
 } // namespace
+
+std::string FindObjectImage(const AppState& TMM, const std::string& imagePath)
+{
+    const std::string name = vb::Trim(imagePath);
+    if (name.empty())
+        return {};
+    const std::filesystem::path base =
+        TMM.prefs.SVImagePath.empty() ? TMM.dir.path : std::filesystem::path(TMM.prefs.SVImagePath);
+    for (const char* folder : {"widefieldimages", "oldds", ""}) {
+        std::error_code ignored;
+        const std::filesystem::path file = base / folder / name;
+        if (std::filesystem::is_regular_file(file, ignored))
+            return file.string();
+    }
+    return {};
+}
 
 ChartRow ChartRowOf(const Grid& grid, int row)
 {

@@ -40,6 +40,11 @@ struct ChartRow
 };
 ChartRow ChartRowOf(const Grid& grid, int row);
 
+// The object's picture: the Image Path cell (25) looked for in the image folder SVImagePath (the
+// program folder when blank), in its widefieldimages and oldds folders first; "" when there is
+// none.
+std::string FindObjectImage(const AppState& TMM, const std::string& imagePath);
+
 // What the chart commands use besides the application state.
 struct ChartContext
 {
