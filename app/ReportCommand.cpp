@@ -44,9 +44,8 @@ struct ReportArgs
 ReportArgs ParseReportArgs(const std::vector<std::string>& args)
 {
     static const std::set<std::string> valued{
-        "--pdf",   "--sql",       "--plan",      "--row",       "--paper",
-        "--answer", "--input",    "--obs-plan",  "--sort",      "--notes-sql",
-        "--object-id", "--text",  "--entry"};
+        "--pdf",      "--sql",  "--plan",      "--row",       "--paper", "--answer", "--input",
+        "--obs-plan", "--sort", "--notes-sql", "--object-id", "--text",  "--entry"};
     ReportArgs a;
     const auto fail = [&a](std::string error) {
         a.error = std::move(error);
@@ -126,7 +125,8 @@ struct ReportCharts
 {
     explicit ReportCharts(spread::AppState& TMM, const astro::Clock& clock, int row)
         : own(TMM.dir.path, [this]() -> const charts::ChartSky& { return Sky(); }),
-          cdc([]() -> std::unique_ptr<charts::Planetarium> {
+          cdc(
+              []() -> std::unique_ptr<charts::Planetarium> {
                   throw charts::PlanetariumError("The reports draw their own charts");
               },
               [this]() -> const charts::ChartSky& { return Sky(); }),
@@ -153,11 +153,6 @@ struct ReportCharts
     charts::ChartLink link;
     spread::ChartContext context;
 };
-
-bool ReadsCurrentRow(int number)
-{
-    return number == 12 || number == 15 || number == 16;
-}
 
 std::optional<std::string> ReadText(const std::string& path)
 {
@@ -196,7 +191,7 @@ int RunReportCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
             return 1;
     }
     TMM.CurrTab = 0;
-    if (ReadsCurrentRow(a.number) && a.row > TMM.grids[0].MaxRows()) {
+    if (reports::ReportWindow::ReadsCurrentRow(a.number) && a.row > TMM.grids[0].MaxRows()) {
         std::cerr << "selvane-cli: no row " << a.row << " in the list\n";
         return 1;
     }
@@ -218,9 +213,9 @@ int RunReportCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
 
     // The entry window on observation N.
     data::CurrentObject current;
-    logbook::LogContext logContext{TMM.ui,    TMM.logbookDb.get(), TMM.objectDb.get(),
-                                   TMM.prefs, TMM.dir,             current,
-                                   computerClock};
+    logbook::LogContext logContext{
+        TMM.ui,  TMM.logbookDb.get(), TMM.objectDb.get(), TMM.prefs, TMM.dir,
+        current, computerClock};
     std::optional<logbook::LogEntryForm> entry;
     if (a.entry) {
         if (!LogbookOpen(TMM))

@@ -28,8 +28,7 @@ class ReportHolder : public QObject
 public:
     ReportHolder(spread::AppState& state, const astro::Clock& clock, int row,
                  std::optional<spread::ChartContext> charts)
-        : charts_(std::move(charts)),
-          context(state, clock, row, charts_ ? &*charts_ : nullptr)
+        : charts_(std::move(charts)), context(state, clock, row, charts_ ? &*charts_ : nullptr)
     {
     }
 

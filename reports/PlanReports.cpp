@@ -75,9 +75,9 @@ constexpr int kPictureLeft = kSheetMargins.left + 1440 + 5500;
 constexpr int kPictureTop = kSheetMargins.top + 1440 + 3200;
 constexpr int kPictureSide = 2880;
 // Blank 8 point lines (184 twips each) that take the flow from under the captions (about
-// 10900 twips down the page) to below the circles' bottom at 14350, so that the ocular line
+// 10350 twips down the page) to below the circles' bottom at 14350, so that the ocular line
 // stands at about 14750, under the drawings and above the bottom margin (15340).
-constexpr int kOcularGapLines = 21;
+constexpr int kOcularGapLines = 24;
 
 void SheetFont(PrintSurface& s, double size, bool bold = false)
 {
@@ -145,9 +145,9 @@ void AtScopeSheet(ReportContext& context, PrintSurface& s, const std::optional<P
                           kPictureTop + kPictureSide);
     }
 
+    // Deliberate: the captions follow the description lines without the two blank lines above
+    // them, so that they stand above the drawing circles rather than across their tops.
     SheetFont(s, 12, true);
-    s.Paragraph("");
-    s.Paragraph("");
     s.Paragraph("              LOW POWER FIELD DRAWING                   HIGH POWER FIELD DRAWING");
     SheetFont(s, 10);
     s.Paragraph("                             include field stars for identification          "
@@ -357,6 +357,8 @@ constexpr Margins kQuickMargins{500, 500, 500, 1000};
 // as on the screen.
 constexpr double kQuickCharTwips = 8.0 * kTwipsPerPoint * 1139.0 / 2048.0;
 constexpr double kQuickColumnPadding = 120;
+constexpr double kQuickFont = 8;
+constexpr double kQuickMinFont = 6;
 
 } // namespace
 
@@ -520,7 +522,10 @@ void printplanreport(ReportWindow& window)
             if (!picture && context.charts)
                 picture = ReportChart(context, ChartOptions(window, vb::Val(window.txtFov), 1200));
             if (picture) {
-                const int side = TextWidth(s, margins);
+                // A square of five inches at most fits below the seventeen lines, so the data
+                // and the picture share the first page.
+                const int side = std::min(TextWidth(s, margins), 5 * kTwipsPerInch);
+                s.Paragraph("");
                 s.Pictures({*picture}, side, side, 0);
             }
             PersonalObservations(context, s, row);
@@ -663,11 +668,22 @@ void PrintPlanObjectsObserved(ReportWindow& window)
 
 void QuickPrintout(const spread::Grid& grid, PrintSurface& surface, const ReportContext& context)
 {
+    // The columns shown and holding a text in some row shown: a column blank all down the list
+    // (rise and set switched off, no pictures) would only squeeze the others on paper.
+    const auto shownRows = [&grid](const auto& visit) {
+        for (int r = 1; r <= grid.MaxRows(); ++r)
+            if (!grid.RowHidden(r))
+                visit(r);
+    };
     std::vector<int> columns;
     std::vector<double> widths;
     double total = 0;
     for (int col = 1; col <= spread::kGridCols; ++col) {
         if (grid.ColWidth(col) <= 0)
+            continue;
+        bool filled = false;
+        shownRows([&](int r) { filled = filled || !vb::Trim(grid.Text(r, col)).empty(); });
+        if (!filled)
             continue;
         columns.push_back(col);
         widths.push_back(grid.ColWidth(col) * kQuickCharTwips + kQuickColumnPadding);
@@ -677,6 +693,9 @@ void QuickPrintout(const spread::Grid& grid, PrintSurface& surface, const Report
     surface.SetMargins(kQuickMargins);
     const double room = surface.PageWidth() - kQuickMargins.left - kQuickMargins.right;
     const double scale = total > room ? room / total : 1.0;
+    // The print shrinks with the columns, down to 6 points, so that the texts keep to their
+    // cells.
+    const double fontSize = std::max(kQuickMinFont, std::round(kQuickFont * scale * 2) / 2);
 
     std::string format, header;
     for (std::size_t i = 0; i < columns.size(); ++i) {
@@ -691,22 +710,20 @@ void QuickPrintout(const spread::Grid& grid, PrintSurface& surface, const Report
     format += ';';
     header += ';';
     TableRows body;
-    for (int r = 1; r <= grid.MaxRows(); ++r) {
-        if (grid.RowHidden(r))
-            continue;
+    shownRows([&](int r) {
         std::vector<std::string> cells;
         cells.reserve(columns.size());
         for (const int col : columns)
             cells.emplace_back(grid.Text(r, col));
         body.push_back(std::move(cells));
-    }
+    });
 
     surface.StartDoc();
     surface.SetHeaderFont("Arial", 8);
     surface.SetHeader(grid.Tag());
     surface.SetFooter(DataFooter(context));
     FontSpec font;
-    font.size = 8;
+    font.size = fontSize;
     surface.SetFont(font);
     surface.Table(format, header, body);
     surface.EndDoc();

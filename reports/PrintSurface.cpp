@@ -223,8 +223,8 @@ void RecordingSurface::RichText(std::string_view html)
 void RecordingSurface::Table(std::string_view format, std::string_view header,
                              const TableRows& body, Rgb headerColour, Rgb bodyColour)
 {
-    std::string line = "Table " + std::string(format) + ' ' + std::string(header) + ' ' +
-                       BodyString(body);
+    std::string line =
+        "Table " + std::string(format) + ' ' + std::string(header) + ' ' + BodyString(body);
     if (headerColour != kHeaderColour || bodyColour != kBodyColour)
         line += " h " + Rgbs(headerColour) + " b " + Rgbs(bodyColour);
     calls.push_back(std::move(line));

@@ -30,8 +30,7 @@ struct Rgb
 inline constexpr Rgb kHeaderColour{241, 255, 64};
 inline constexpr Rgb kBodyColour{255, 255, 255};
 
-enum class Align
-{
+enum class Align {
     Left,
     Centre,
     Right,
@@ -58,14 +57,12 @@ using TableRows = std::vector<std::vector<std::string>>;
 // The body string of rows: cells divided by "|", each row ended by ";".
 std::string BodyString(const TableRows& rows);
 
-enum class Orientation
-{
+enum class Orientation {
     Portrait = 0,
     Landscape = 1,
 };
 
-enum class Paper
-{
+enum class Paper {
     Letter,
     A4,
 };

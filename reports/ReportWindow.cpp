@@ -31,9 +31,13 @@ constexpr std::array<SortCaption, 8> kSortCaptions{{
     {"Rating", "Order By Rating"},
 }};
 
+// A number with the decimals it needs: 15, 12.5.
 std::string Trimmed(double value)
 {
-    return services::vb::Format(value, "0.##");
+    std::string text = services::vb::Format(value, "0.##");
+    if (!text.empty() && (text.back() == '.' || text.back() == ','))
+        text.pop_back();
+    return text;
 }
 
 } // namespace

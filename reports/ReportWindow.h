@@ -30,6 +30,8 @@ inline constexpr const char* kReportCaption = "Selvane 2003 Reporting";
 // The left part of every footer.
 inline constexpr const char* kProductLine = "Selvane 2003";
 inline constexpr const char* kNotAvailableYet = "This report is not available yet.";
+inline constexpr const char* kNoRowText = "Please select an object on the spreadsheet first";
+inline constexpr const char* kNoRowTitle = "Invalid Usage";
 
 // What the reports read beyond the report window.
 struct ReportContext
@@ -66,6 +68,9 @@ public:
     // version (the log reports and certificates are not yet: they say so).
     static bool Known(int number);
     static bool Available(int number);
+    // Whether a report reads the current row of the current tab (12, 15, 16); without one it
+    // says so and prints nothing.
+    static bool ReadsCurrentRow(int number);
 
     // The values callers hand over before the window opens.
     void ObsPlan(std::string name) { obsPlan_ = std::move(name); }

@@ -26,6 +26,13 @@ bool LogReport(int number)
     return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
 }
 
+bool HasCurrentRow(const ReportContext& context)
+{
+    const int tab = context.TMM.CurrTab;
+    return tab >= 0 && tab < spread::kSpreadTabs && context.row >= 1 &&
+           context.row <= context.TMM.grids[static_cast<std::size_t>(tab)].MaxRows();
+}
+
 std::optional<ReportRoutine> RoutineOf(int number)
 {
     switch (number) {
@@ -71,6 +78,11 @@ bool ReportWindow::Known(int number)
            (number >= 900 && number <= 903);
 }
 
+bool ReportWindow::ReadsCurrentRow(int number)
+{
+    return number == 12 || number == 15 || number == 16;
+}
+
 bool ReportWindow::Available(int number)
 {
     return Known(number) && !LogReport(number);
@@ -93,9 +105,12 @@ void ReportWindow::Command9_Click()
     const std::optional<ReportRoutine> routine = RoutineOf(ReportNumber);
     if (!routine)
         return;
+    if (ReadsCurrentRow(ReportNumber) && !HasCurrentRow(context_)) {
+        TMM.ui.ShowMessage(kNoRowText, kNoRowTitle, "I");
+        return;
+    }
     TMM.ui.Busy(services::BusyKind::Printing);
-    services::Trap(TMM.ui, std::string("frmUserM.") + routine->name,
-                   [&] { routine->run(*this); });
+    services::Trap(TMM.ui, std::string("frmUserM.") + routine->name, [&] { routine->run(*this); });
     TMM.ui.EndBusy();
 }
 
@@ -120,8 +135,7 @@ void ReportWindow::PrintNewChart(int number)
         surface_.Paragraph("");
         const int width = surface_.PageWidth() - 2 * 1440;
         const int height = picture->width() > 0 ? width * picture->height() / picture->width() : 0;
-        surface_.Pictures({*picture}, width, std::min(height, surface_.PageHeight() - 4 * 1440),
-                          0);
+        surface_.Pictures({*picture}, width, std::min(height, surface_.PageHeight() - 4 * 1440), 0);
         surface_.EndDoc();
     });
 }

@@ -78,6 +78,9 @@ void PrintLogRecord(PrintSurface& s, data::Recordset& rs, bool information,
         const std::string plain = logbook::RichPlainText(notes);
         if (!vb::Trim(plain).empty())
             s.Paragraph(plain);
+        // Deliberate: the rule of 146 dashes is written at 8 points, where it fits the width
+        // of a portrait page on one line instead of breaking into a second, short one.
+        s.SetFont(Arial(8));
         s.Paragraph(std::string(146, '-'));
     } else {
         s.RichText(notes);
@@ -205,7 +208,7 @@ void PrintNotes(ReportWindow& window)
     PrintSurface& s = window.Surface();
     const bool information = window.ReportNumber == 1112;
     if (!information && !state.ui.Ask("Click Yes to print ALL notes or No to print selected note",
-                                       "NOTES PRINTOUT", false)) {
+                                      "NOTES PRINTOUT", false)) {
         s.StartDoc();
         s.SetHeaderFont("Arial", 10);
         s.SetFooter(NotesFooter());
@@ -221,9 +224,9 @@ void PrintNotes(ReportWindow& window)
     }
     if (state.logbookDb == nullptr)
         throw services::Fault("The logbook is not open", "");
-    const std::string sql =
-        information ? window.Notes()
-                    : window.Notes() + " Order By DateObserved Desc, Logbook.ObjectID";
+    const std::string sql = information
+                                ? window.Notes()
+                                : window.Notes() + " Order By DateObserved Desc, Logbook.ObjectID";
     data::Recordset rs = state.logbookDb->OpenRecordset(sql, data::Snapshot);
     s.StartDoc();
     s.SetHeaderFont("Arial", 10);

@@ -11,8 +11,7 @@
 
 namespace reports::ui {
 
-frmPlanObs::frmPlanObs(const std::filesystem::path& programDir, QWidget* parent)
-    : QDialog(parent)
+frmPlanObs::frmPlanObs(const std::filesystem::path& programDir, QWidget* parent) : QDialog(parent)
 {
     setWindowTitle(tr("Objects Observed By Observing Plan"));
     auto* layout = new QVBoxLayout(this);

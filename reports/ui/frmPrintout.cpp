@@ -7,8 +7,7 @@
 
 namespace reports::ui {
 
-frmPrintout::frmPrintout(const std::string& caller, const std::string& printpref,
-                         QWidget* parent)
+frmPrintout::frmPrintout(const std::string& caller, const std::string& printpref, QWidget* parent)
     : QDialog(parent), caller_(caller)
 {
     setWindowTitle(tr("Select Printout Type"));

@@ -15,8 +15,7 @@ class frmPrintout : public QDialog
 {
 public:
     // printpref: "C" checks the classic printout, anything else the quick one.
-    frmPrintout(const std::string& caller, const std::string& printpref,
-                QWidget* parent = nullptr);
+    frmPrintout(const std::string& caller, const std::string& printpref, QWidget* parent = nullptr);
 
     // "C" for the classic printout, "N" for the quick one, as the buttons stand.
     std::string Choice() const;

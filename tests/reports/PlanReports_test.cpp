@@ -445,14 +445,18 @@ TEST_F(PlanReportsFixture, QuickPrintoutColumnsRowsAndWidths)
     EXPECT_TRUE(surface.Has("Font Arial 8"));
     EXPECT_TRUE(surface.Has("Footer Selvane 2003||11/08/25  Page %d"));
 
-    // Wider than the landscape page (15840 less 1000 of margins): scaled down to fit.
+    // Wider than the landscape page (15840 less 1000 of margins): scaled down to fit, the print
+    // with it; columns blank in every row shown are left out.
     surface.calls.clear();
     for (int col = 1; col <= 31; ++col)
         grid.SetColWidth(col, 20);
+    for (int col = 1; col <= 30; ++col)
+        grid.SetText(1, col, "x");
     QuickPrintout(grid, surface, context);
     const std::vector<TableColumn> columns =
         ParseTableFormat(surface.Tables()[0].substr(0, surface.Tables()[0].find(' ')));
-    ASSERT_EQ(columns.size(), 31u);
+    ASSERT_EQ(columns.size(), 30u);
+    EXPECT_TRUE(surface.Has("Font Arial 6"));
     int total = 0;
     for (const TableColumn& c : columns)
         total += c.width;

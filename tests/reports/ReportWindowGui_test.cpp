@@ -77,7 +77,7 @@ TEST(frmUserM, OpeningAndPageCommandsStayWithinTheDocument)
     Fixture f;
     reports::frmUserM window(f.context);
     EXPECT_EQ(window.windowTitle().toStdString(), "Selvane 2003 Reporting");
-    window.Window().ReportNumber = 2;
+    window.Window().ReportNumber = 10;
     window.Form_Load();
     EXPECT_EQ(Status(window), "You are on Page 1 of 1");
     EXPECT_EQ(window.txtTo->text().toStdString(), "9999");

@@ -65,6 +65,11 @@ TEST_F(ReportsFixture, TableRefusesLaterReportsAndOrientsTheSheets)
     ASSERT_EQ(ui.shown.size(), 1u);
     EXPECT_EQ(ui.shown[0].Text(), kNotAvailableYet);
     EXPECT_TRUE(s.calls.empty() || !s.Has("StartDoc"));
+    // The sheets of the current row, on an empty tab.
+    Open(15);
+    ASSERT_EQ(ui.shown.size(), 2u);
+    EXPECT_EQ(ui.shown[1].Text(), kNoRowText);
+    EXPECT_FALSE(s.Has("StartDoc"));
 
     // The sheets for the telescope are portrait, with the box off; 15 and 16 show the chart
     // options from the settings.
@@ -78,6 +83,9 @@ TEST_F(ReportsFixture, TableRefusesLaterReportsAndOrientsTheSheets)
     EXPECT_FALSE(sheet.chkLandEnabled);
     EXPECT_TRUE(sheet.chartOptionsVisible);
     EXPECT_EQ(sheet.txtFov, "12.5");
+    EXPECT_EQ(ReportWindow(context, s).txtFov, "12.5");
+    TMM.prefs.repChartFOV = 15;
+    EXPECT_EQ(ReportWindow(context, s).txtFov, "15");
     EXPECT_EQ(sheet.txtCircle, "30");
     sheet.ReportNumber = 151;
     sheet.chkLand = true;
@@ -154,8 +162,9 @@ TEST_F(ReportsFixture, FullAndNewMoonsOfTheAskedYearInTheRegionalOrder)
     Open(150);
     EXPECT_TRUE(s.Has("Paragraph Full Moon on 13.01.2025"));
     EXPECT_EQ(std::count_if(s.calls.begin(), s.calls.end(),
-                            [](const std::string& c) { return c.find("2024") != c.npos ||
-                                                              c.find("2026") != c.npos; }),
+                            [](const std::string& c) {
+                                return c.find("2024") != c.npos || c.find("2026") != c.npos;
+                            }),
               1); // only the footer's present date
 }
 
@@ -197,8 +206,7 @@ TEST_F(ReportsFixture, NotesOfTheSelectionOrOfOneBox)
     const std::vector<std::string> q = s.Paragraphs();
     EXPECT_EQ(std::count(q.begin(), q.end(), std::string(146, '-')), 3);
     EXPECT_TRUE(s.Has("Font Arial 12 B"));
-    EXPECT_EQ(std::count_if(q.begin(), q.end(), [](const std::string& l) { return l.empty(); }),
-              3);
+    EXPECT_EQ(std::count_if(q.begin(), q.end(), [](const std::string& l) { return l.empty(); }), 3);
 
     // A selection that cannot run is a fault of the routine.
     window.NotesSQL("Select Nothing From Nowhere");
@@ -214,8 +222,8 @@ TEST_F(ReportsFixture, NotesOfTheOpenEntry)
     EXPECT_EQ(ui.shown.at(0).message.ShortMessage, "Invalid Usage");
 
     data::CurrentObject current;
-    logbook::LogContext logContext{ui, TMM.logbookDb.get(), nullptr, TMM.prefs, TMM.dir,
-                                   current, clock};
+    logbook::LogContext logContext{ui,   TMM.logbookDb.get(), nullptr, TMM.prefs, TMM.dir, current,
+                                   clock};
     logbook::LogEntryForm entry(logContext);
     entry.f.txtObjectID = "NGC 7000";
     entry.f.RichTextBox1 = "<p>Session</p>";
