@@ -468,19 +468,8 @@ int RunChartCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     // Tab 0 and its selected row, for the modes that read the list.
     const bool readsList =
         a.mode != "radec" && a.mode != "const" && a.mode != "plot" && a.mode != "finder";
-    if (a.sql || a.build || a.plan) {
-        GridArgs gridArgs;
-        gridArgs.sql = a.sql.value_or("");
-        gridArgs.build = a.build;
-        gridArgs.plan = a.plan.value_or("");
-        if (LoadTab0(TMM, start, gridArgs, computerClock) != 0)
-            return 1;
-    }
-    TMM.CurrTab = 0;
-    if (readsList && a.row > TMM.grids[0].MaxRows()) {
-        std::cerr << "selvane-cli: no row " << a.row << " in the list\n";
+    if (LoadListRow(TMM, start, a.sql, a.build, a.plan, readsList ? a.row : 0, computerClock) != 0)
         return 1;
-    }
     if (a.chartOpen) {
         std::ofstream open(TMM.dir.File(charts::kChartWorkFile), std::ios::binary);
         open << "open\r\n";

@@ -6,6 +6,8 @@
 #include "spread/LoadTheGrid.h"
 #include "spread/Plans.h"
 
+#include <iostream>
+
 namespace app {
 
 int PrintGrid(spread::Grid& grid, std::ostream& out)
@@ -74,8 +76,28 @@ int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const G
     return load.failed ? 1 : 0;
 }
 
-int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
-                   const GridArgs& args, std::ostream& out, const astro::Clock& computerClock)
+int LoadListRow(spread::AppState& TMM, const spread::LoadFormResult& start,
+                const std::optional<std::string>& sql, bool build,
+                const std::optional<std::string>& plan, int row, const astro::Clock& computerClock)
+{
+    if (sql || build || plan) {
+        GridArgs args;
+        args.sql = sql.value_or("");
+        args.build = build;
+        args.plan = plan.value_or("");
+        if (LoadTab0(TMM, start, args, computerClock) != 0)
+            return 1;
+    }
+    TMM.CurrTab = 0;
+    if (row > TMM.grids[0].MaxRows()) {
+        std::cerr << "selvane-cli: no row " << row << " in the list\n";
+        return 1;
+    }
+    return 0;
+}
+
+int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,
+                   std::ostream& out, const astro::Clock& computerClock)
 {
     if (!args.error.empty())
         return 2;

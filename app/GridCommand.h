@@ -16,12 +16,14 @@
 #include "spread/LoadForm.h"
 
 #include <ostream>
+#include <optional>
 #include <string>
 #include <vector>
 
 namespace app {
 
-inline constexpr const char* GridUsage = "usage: selvane-cli ... grid [--sql SQL | --build] [--count]";
+inline constexpr const char* GridUsage =
+    "usage: selvane-cli ... grid [--sql SQL | --build] [--count]";
 
 struct GridArgs
 {
@@ -45,11 +47,20 @@ int PrintGrid(spread::Grid& grid, std::ostream& out);
 int LoadTab0(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,
              const astro::Clock& computerClock);
 
+// The list of the commands that take [--sql SQL | --build | --plan FILE], then tab 0 made
+// current and its row checked.
+// Returned: 0 when tab 0 holds the list (none of the three given: the start list, which stays)
+//   and row (from 1; 0 for none) is in it; 1 when the list could not be loaded or has no such
+//   row ("selvane-cli: no row N in the list" on stderr).
+int LoadListRow(spread::AppState& TMM, const spread::LoadFormResult& start,
+                const std::optional<std::string>& sql, bool build,
+                const std::optional<std::string>& plan, int row, const astro::Clock& computerClock);
+
 // Runs the command on the state LoadForm left (tab 0 holds the start list).
 // Returned: the exit status: 0 when the list was loaded, even with no rows; 1 when the object
 //   database is not open or the query failed (the port has shown why); 2 on a usage error.
-int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
-                   const GridArgs& args, std::ostream& out, const astro::Clock& computerClock);
+int RunGridCommand(spread::AppState& TMM, const spread::LoadFormResult& start, const GridArgs& args,
+                   std::ostream& out, const astro::Clock& computerClock);
 
 inline constexpr const char* PlanUsage = "usage: selvane-cli ... plan FILE";
 inline constexpr const char* SqlUsage = "usage: selvane-cli ... sql";

@@ -182,19 +182,9 @@ int RunReportCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     if (auto* scripted = dynamic_cast<services::ScriptedUiPort*>(&TMM.ui))
         scripted->inputAnswers.assign(a.inputs.begin(), a.inputs.end());
 
-    if (a.sql || a.build || a.plan) {
-        GridArgs gridArgs;
-        gridArgs.sql = a.sql.value_or("");
-        gridArgs.build = a.build;
-        gridArgs.plan = a.plan.value_or("");
-        if (LoadTab0(TMM, start, gridArgs, computerClock) != 0)
-            return 1;
-    }
-    TMM.CurrTab = 0;
-    if (reports::ReportWindow::ReadsCurrentRow(a.number) && a.row > TMM.grids[0].MaxRows()) {
-        std::cerr << "selvane-cli: no row " << a.row << " in the list\n";
+    const int row = reports::ReportWindow::ReadsCurrentRow(a.number) ? a.row : 0;
+    if (LoadListRow(TMM, start, a.sql, a.build, a.plan, row, computerClock) != 0)
         return 1;
-    }
     if (a.chartOpen) {
         std::ofstream open(TMM.dir.File(charts::kChartWorkFile), std::ios::binary);
         open << "open\r\n";
