@@ -46,13 +46,13 @@ const QPaintDevice& TwipDevice()
     return device;
 }
 
-QFont MakeFont(const FontSpec& spec)
+QFont MakeFont(const FontSpec& wanted)
 {
-    QFont font(QString::fromStdString(spec.name));
-    font.setPixelSize(std::max(1, static_cast<int>(std::lround(spec.size * kTwipsPerPoint))));
-    font.setBold(spec.bold);
-    font.setItalic(spec.italic);
-    font.setUnderline(spec.underline);
+    QFont font(QString::fromStdString(wanted.name));
+    font.setPixelSize(std::max(1, static_cast<int>(std::lround(wanted.size * kTwipsPerPoint))));
+    font.setBold(wanted.bold);
+    font.setItalic(wanted.italic);
+    font.setUnderline(wanted.underline);
     font.setHintingPreference(QFont::PreferNoHinting);
     return font;
 }
@@ -283,6 +283,11 @@ void PainterSurface::EndDoc()
         d_->NewPage();
     for (size_t i = 0; i < d_->pages.size(); ++i)
         d_->HeaderAndFooter(d_->pages[i], static_cast<int>(i) + 1);
+}
+
+bool PainterSurface::DocumentOpen() const
+{
+    return d_->started && !d_->ended;
 }
 
 bool PainterSurface::Finished() const

@@ -42,6 +42,7 @@ public:
     void Circle(int x, int y, int radius) override;
     void DrawPicture(const QImage& image, int left, int top, int right, int bottom) override;
     void Pictures(const std::vector<QImage>& images, int width, int height, int gap) override;
+    bool DocumentOpen() const override;
     int PageCount() const override;
     int PageWidth() const override;
     int PageHeight() const override;

@@ -41,21 +41,9 @@ spread::Grid& CurrentGrid(ReportContext& context)
         std::clamp(context.TMM.CurrTab, 0, spread::kSpreadTabs - 1))];
 }
 
-std::string Location(const char* routine)
-{
-    return std::string("frmUserM.") + routine;
-}
-
 std::string OrNotAvailable(const std::string& text)
 {
     return text.empty() ? std::string(kNotAvailable) : text;
-}
-
-// A stored ISO date in the regional short date; anything else as it stands.
-std::string ShownDate(const std::string& stored, const data::Preferences& prefs)
-{
-    const QDate date = QDate::fromString(QString::fromStdString(stored.substr(0, 10)), Qt::ISODate);
-    return date.isValid() ? vb::ShortDate(date, data::RegionalOf(prefs)) : stored;
 }
 
 // ---------------------------------------------------------------------------------------
@@ -260,7 +248,7 @@ void PersonalObservations(ReportContext& context, PrintSurface& s, const PlanRow
     if (rs.Eof())
         s.Paragraph(kNoLogEntries);
     for (; !rs.Eof(); rs.MoveNext()) {
-        s.Paragraph(ShownDate(rs.Fields("DateObserved").Value(), TMM.prefs) + " " +
+        s.Paragraph(ShortDateText(rs.Fields("DateObserved").Text(), context) + " " +
                     rs.Fields("TimeObserved").Value() + "\r\n");
         const std::string text =
             vb::Trim(logbook::RichPlainText(rs.Fields("ObservationText").Text()));
@@ -446,27 +434,21 @@ void DrawEyepieceCircles(QImage& chart, double fieldDeg, const std::vector<Eyepi
 void printAtScopeLog(ReportWindow& window, bool blank)
 {
     ReportContext& context = window.Context();
-    bool started = false;
-    services::Trap(context.TMM.ui, Location("printAtScopeLog"), [&] {
+    window.Build("printAtScopeLog", [&] {
         std::optional<PlanRow> row;
         if (!blank)
             row = PlanRowOf(CurrentGrid(context), context.row);
         BeginSheet(window);
-        started = true;
         AtScopeSheet(context, window.Surface(), row);
     });
-    if (started)
-        window.Surface().EndDoc();
 }
 
 void printbatchscopelog(ReportWindow& window)
 {
     ReportContext& context = window.Context();
-    bool started = false;
-    services::Trap(context.TMM.ui, Location("printbatchscopelog"), [&] {
+    window.Build("printbatchscopelog", [&] {
         const spread::Grid& grid = CurrentGrid(context);
         BeginSheet(window);
-        started = true;
         for (int r = 1; r <= grid.MaxRows(); ++r) {
             if (r > 1)
                 window.Surface().NewPage();
@@ -475,21 +457,17 @@ void printbatchscopelog(ReportWindow& window)
                 break;
         }
     });
-    if (started)
-        window.Surface().EndDoc();
 }
 
 void printplanreport(ReportWindow& window)
 {
     ReportContext& context = window.Context();
     PrintSurface& s = window.Surface();
-    bool started = false;
-    services::Trap(context.TMM.ui, Location("printplanreport"), [&] {
+    window.Build("printplanreport", [&] {
         const PlanRow row = PlanRowOf(CurrentGrid(context), context.row);
         const Margins margins;
         s.SetMargins(margins);
         s.StartDoc();
-        started = true;
         s.SetHeaderFont("Arial", 10);
         s.SetHeader(kPlanHeader);
         s.SetFooter(DataFooter(context));
@@ -507,11 +485,6 @@ void printplanreport(ReportWindow& window)
 
         if (row.database) {
             spread::AppState& TMM = context.TMM;
-            TMM.objectDb->OpenRecordset(
-                "Select MessierNumber From Selvanetable Where ObjectID = '" +
-                    vb::QuoteForSql(row.ObjectID) + "' and Catalog = '" +
-                    vb::QuoteForSql(row.Catalog) + "'",
-                data::Snapshot);
             std::optional<QImage> picture;
             const std::string file = spread::FindObjectImage(TMM, row.ImagePath);
             if (window.optShow == "I" && !file.empty()) {
@@ -532,8 +505,6 @@ void printplanreport(ReportWindow& window)
             OtherObservers(context, s, row);
         }
     });
-    if (started)
-        s.EndDoc();
 }
 
 void printchartreport(ReportWindow& window)
@@ -547,13 +518,11 @@ void printchartreport(ReportWindow& window)
                            "Invalid Usage", "I");
         return;
     }
-    bool started = false;
-    services::Trap(TMM.ui, Location("printchartreport"), [&] {
+    window.Build("printchartreport", [&] {
         const PlanRow row = PlanRowOf(CurrentGrid(context), context.row);
         s.SetOrientation(Orientation::Portrait);
         s.SetMargins(kFinderMargins);
         s.StartDoc();
-        started = true;
         s.SetFooter(DataFooter(context));
         FontSpec title;
         title.size = 20;
@@ -605,8 +574,6 @@ void printchartreport(ReportWindow& window)
         if (!panels.empty())
             s.Pictures(panels, kPanelSide, kPanelSide, kPanelGap);
     });
-    if (started)
-        s.EndDoc();
 }
 
 void PrintPlanObjectsObserved(ReportWindow& window)
@@ -624,15 +591,13 @@ void PrintPlanObjectsObserved(ReportWindow& window)
         TMM.ui.ShowMessage("The plan file " + name + " could not be read", "Invalid Plan", "E");
         return;
     }
-    bool started = false;
-    services::Trap(TMM.ui, Location("PrintPlanObjectsObserved"), [&] {
+    window.Build("PrintPlanObjectsObserved", [&] {
         const spread::PlanRead plan = spread::ReadPlanText(bytes);
         const bool herschel = spread::IsShippedPlan(PlanPath(TMM, name).string());
         const std::map<long long, std::string> ids = PlanIds(TMM, plan, herschel);
 
         s.SetOrientation(Orientation::Landscape);
         s.StartDoc();
-        started = true;
         s.SetFooter(NotesFooter());
         s.SetFont(FontSpec{});
         s.Paragraph("Observing Plan : " + name +
@@ -652,7 +617,7 @@ void PrintPlanObjectsObserved(ReportWindow& window)
             if (herschel)
                 cells.push_back(found->second);
             cells.push_back(rs.Fields("Catalog").Value());
-            cells.push_back(ShownDate(rs.Fields("DateObserved").Value(), TMM.prefs) + " " +
+            cells.push_back(ShortDateText(rs.Fields("DateObserved").Text(), context) + " " +
                             rs.Fields("TimeObserved").Value());
             for (const char* field : {"LocationObserved", "EquipmentUsed", "Seeing", "Transparency",
                                       "Rating", "ShortDescription"})
@@ -662,8 +627,6 @@ void PrintPlanObjectsObserved(ReportWindow& window)
         s.Table(herschel ? kHerschelFormat : kPlanFormat,
                 herschel ? kHerschelHeaderRow : kPlanHeaderRow, body);
     });
-    if (started)
-        s.EndDoc();
 }
 
 void QuickPrintout(const spread::Grid& grid, PrintSurface& surface, const ReportContext& context)

@@ -152,11 +152,13 @@ bool RecordingSurface::Has(std::string_view line) const
 void RecordingSurface::StartDoc()
 {
     pages_ = 1;
+    open_ = true;
     calls.emplace_back("StartDoc");
 }
 
 void RecordingSurface::EndDoc()
 {
+    open_ = false;
     calls.emplace_back("EndDoc");
 }
 

@@ -126,6 +126,8 @@ public:
     // below the text; the flow goes on below them.
     virtual void Pictures(const std::vector<QImage>& images, int width, int height, int gap) = 0;
 
+    // True from StartDoc until EndDoc.
+    virtual bool DocumentOpen() const = 0;
     // Pages made so far (after EndDoc: the document's pages).
     virtual int PageCount() const = 0;
     // The paper's size in twips in the current orientation.
@@ -171,12 +173,14 @@ public:
     void Circle(int x, int y, int radius) override;
     void DrawPicture(const QImage& image, int left, int top, int right, int bottom) override;
     void Pictures(const std::vector<QImage>& images, int width, int height, int gap) override;
+    bool DocumentOpen() const override { return open_; }
     int PageCount() const override { return pages_; }
     int PageWidth() const override;
     int PageHeight() const override;
 
 private:
     int pages_ = 0;
+    bool open_ = false;
     Orientation orientation_ = Orientation::Portrait;
     Paper paper_ = Paper::Letter;
 };

@@ -49,6 +49,15 @@ std::string PresentDate(const ReportContext& context)
                                    data::RegionalOf(context.TMM.prefs));
 }
 
+std::string ShortDateText(std::string_view stored, const ReportContext& context)
+{
+    const std::string_view day = stored.substr(0, 10);
+    const QDate date =
+        QDate::fromString(QString::fromUtf8(day.data(), static_cast<int>(day.size())), Qt::ISODate);
+    return date.isValid() ? services::vb::ShortDate(date, data::RegionalOf(context.TMM.prefs))
+                          : std::string(stored);
+}
+
 std::string DataFooter(const ReportContext& context)
 {
     return std::string(kProductLine) + "||" + PresentDate(context) + "  Page %d";

@@ -11,6 +11,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 
 namespace astro {
@@ -53,6 +54,9 @@ struct ReportContext
 
 // The present date in the regional short date.
 std::string PresentDate(const ReportContext& context);
+// A stored date (ISO "yyyy-mm-dd", a time may follow) in the regional short date; any other
+// text as it stands.
+std::string ShortDateText(std::string_view stored, const ReportContext& context);
 // Footers: "<product>||<date>  Page %d" for the data reports, "<product>||Page %d" for the
 // notes and text reports.
 std::string DataFooter(const ReportContext& context);
@@ -108,6 +112,9 @@ public:
     // Builds the report of ReportNumber on the surface; a fault is reported at
     // frmUserM.<routine> and the pages built so far stay.
     void Command9_Click();
+    // Runs a report's body under the fault location frmUserM.<routine>; a document the body
+    // started is ended after a fault too, so that the pages built so far stay.
+    void Build(const char* routine, const std::function<void()>& body);
     // PrintNewChart: the picture of a chart window under its title.
     void PrintNewChart(int number);
 

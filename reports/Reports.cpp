@@ -110,8 +110,15 @@ void ReportWindow::Command9_Click()
         return;
     }
     TMM.ui.Busy(services::BusyKind::Printing);
-    services::Trap(TMM.ui, std::string("frmUserM.") + routine->name, [&] { routine->run(*this); });
+    Build(routine->name, [&] { routine->run(*this); });
     TMM.ui.EndBusy();
+}
+
+void ReportWindow::Build(const char* routine, const std::function<void()>& body)
+{
+    services::Trap(context_.TMM.ui, std::string("frmUserM.") + routine, body);
+    if (surface_.DocumentOpen())
+        surface_.EndDoc();
 }
 
 void ReportWindow::PrintNewChart(int number)
@@ -125,7 +132,7 @@ void ReportWindow::PrintNewChart(int number)
         TMM.ui.ShowMessage("Please open the chart first", "Invalid Usage", "I");
         return;
     }
-    services::Trap(TMM.ui, "frmUserM.PrintNewChart", [&] {
+    Build("PrintNewChart", [&] {
         surface_.StartDoc();
         surface_.SetHeaderFont("Arial", 10);
         surface_.SetFooter(DataFooter(context_));

@@ -90,14 +90,6 @@ void PrintLogRecord(PrintSurface& s, data::Recordset& rs, bool information,
 
 } // namespace
 
-std::string ShortDateText(std::string_view stored, const ReportContext& context)
-{
-    const QDate date = QDate::fromString(
-        QString::fromUtf8(stored.data(), static_cast<int>(stored.size())), Qt::ISODate);
-    return date.isValid() ? vb::ShortDate(date, data::RegionalOf(context.TMM.prefs))
-                          : std::string(stored);
-}
-
 void PrintTextDocument(ReportWindow& window)
 {
     PrintSurface& s = window.Surface();

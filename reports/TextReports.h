@@ -26,7 +26,4 @@ void calcfullmoon(ReportWindow& window);
 // Location: frmUserM.PrintNotes
 void PrintNotes(ReportWindow& window);
 
-// A stored date (ISO "yyyy-mm-dd") in the regional short date; any other text as it stands.
-std::string ShortDateText(std::string_view stored, const ReportContext& context);
-
 } // namespace reports
