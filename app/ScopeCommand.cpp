@@ -1,6 +1,7 @@
 #include "app/ScopeCommand.h"
 
 #include "app/CliOptions.h"
+#include "app/CliScope.h"
 #include "app/GridCommand.h"
 #include "astro/Text.h"
 #include "data/Preferences.h"
@@ -202,17 +203,15 @@ class ScopeSession
 public:
     ScopeSession(spread::AppState& TMM, const spread::LoadFormResult& start, std::ostream& out,
                  const astro::Clock& computerClock)
-        : TMM_(TMM), start_(start), out_(out), clock_(computerClock),
-          speechPlatform_(std::cerr, scope::EspeakVoiceExists()), speech_(speechPlatform_),
-          context_{TMM.ui, TMM.prefs, state_, layer_, speech_, computerClock}
+        : TMM_(TMM), start_(start), out_(out), clock_(computerClock), scope_(TMM, computerClock),
+          context_(scope_.context)
     {
-        layer_.MakeDriver = [this](std::string_view identifier) {
+        scope_.layer.MakeDriver = [this](std::string_view identifier) {
             std::unique_ptr<scope::Telescope> driver = scope::MakeTelescope(identifier);
             return driver ? std::make_unique<WatchedTelescope>(std::move(driver), watch_)
                           : std::unique_ptr<scope::Telescope>();
         };
-        layer_.Choose = [this](const std::string&) { return answer_; };
-        layer_.profileFile = TMM.settings.File();
+        scope_.layer.Choose = [this](const std::string&) { return answer_; };
         scope::ResetTelescopeMenu(menu_, TMM.dir.path);
     }
 
@@ -393,11 +392,8 @@ private:
     const spread::LoadFormResult& start_;
     std::ostream& out_;
     const astro::Clock& clock_;
-    scope::TelescopeState state_;
-    scope::DriverLayer layer_;
-    scope::StreamSpeech speechPlatform_;
-    scope::Speech speech_;
-    scope::ScopeContext context_;
+    CliScope scope_;
+    scope::ScopeContext& context_;
     CliTelescopeMenu menu_;
     DriverWatch watch_;
     std::string answer_; // what the chooser answers
