@@ -205,6 +205,7 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("CartesPath", "CartesPath", p.CartesPath, S());
     visit("MoonRisePath", "MoonRisePath", p.MoonRisePath, S());
     visit("AutoBackupPath", "AutoBackupPath", p.AutoBackupPath, S());
+    visit("ACPPath", "ACPPath", p.ACPPath, S());
     visit("STychoPath", "STychoPath", p.STychoPath, dir.Text("SuperTycho"));
     visit("HGCPath", "HGCPath", p.HGCPath, dir.Text("Hgc"));
     visit("SVImagePath", "SVImagePath", p.SVImagePath, dir.Text("Images"));

@@ -95,6 +95,7 @@ struct Preferences
     std::string cdDrive;
     bool UseCd = false;
     std::string fitspath, CartesPath, MoonRisePath, AutoBackupPath;
+    std::string ACPPath; // the folder of the observatory program ACP; empty: not installed
     std::string STychoPath, HGCPath, SVImagePath;
 
     // Regional, overwritten by GetLocalization.
