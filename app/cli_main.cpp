@@ -15,6 +15,7 @@
 // telescope routines on the mount of telescopetype), plotfile (the plot window: a plot file
 // opened, entries added, the file saved), chart (the chart commands: own charts drawn to
 // pictures, or sent to the planetarium), report (the report window's reports written to PDF).
+// tour and acpscript (tab 0's list as a hand controller's tour, and as ACP's slide show).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
 
@@ -38,6 +39,7 @@
 #include "app/WhatsUpCommand.h"
 #include "app/SunMoonCommand.h"
 #include "app/ScopeCommand.h"
+#include "app/TourCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -271,6 +273,22 @@ const std::map<std::string, Command>& Commands()
               return app::RunReportCommand(TMM, start, args, std::cout, clock);
           },
           app::ReportUsage}},
+        {"tour",
+         {app::CheckTourArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunTourCommand(TMM, start, args, std::cout, clock);
+          },
+          app::TourUsage}},
+        {"acpscript",
+         {app::CheckAcpScriptArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunAcpScriptCommand(TMM, start, args, std::cout, clock);
+          },
+          app::AcpScriptUsage}},
     };
     return commands;
 }

@@ -7,6 +7,7 @@
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
 #include "app/SolarSystemWiring.h"
+#include "app/TourWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -87,6 +88,7 @@ int main(int argc, char* argv[])
     ui.SetSpeaker(scopeWiring.Speak);
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
+    app::WireTours(window, state, ui);
     app::WireReports(window, state, clock,
                      app::WireCharts(window, state, ui, clock, scopeWiring,
                                      data::ResourcesBesideExecutable()));

@@ -42,11 +42,14 @@ frmBuildTour::frmBuildTour(services::UiPort& ui, std::filesystem::path defaultFi
     txtFile = new QLineEdit(this);
     txtFile->setObjectName("txtFile");
     txtFile->setMinimumWidth(420);
-    fields->addWidget(txtFile, 3, 0, 1, 2);
     Command1 = new QPushButton("...", this);
     Command1->setObjectName("Command1");
     Command1->setToolTip(kTourSaveTitle);
-    fields->addWidget(Command1, 3, 2);
+    Command1->setFixedWidth(40);
+    auto* destination = new QHBoxLayout;
+    destination->addWidget(txtFile, 1);
+    destination->addWidget(Command1);
+    fields->addLayout(destination, 3, 0, 1, 3);
     layout->addLayout(fields);
 
     auto* mode = new QGroupBox("Tour Options", this);
