@@ -1,10 +1,9 @@
-// The keys createtour and csc on the main window over a copy of the small edition: the tour
-// window's defaults, its save dialog, its two modes and the file it writes; the refusal of an
-// empty tab before the window opens; the ACP script on and off. With SELVANE_SCREENSHOT_DIR
+// The key createtour on the main window over a copy of the small edition: the tour window's
+// defaults, its save dialog, its two modes and the file it writes; the refusal of an empty tab
+// before the window opens. With SELVANE_SCREENSHOT_DIR
 // naming a folder, the tour window is saved there as tour-window.png.
 
 #include "app/TourWiring.h"
-#include "scope/AcpScript.h"
 #include "scope/Tour.h"
 #include "scope/ui/frmBuildTour.h"
 
@@ -99,30 +98,6 @@ TEST(TourWiring, TheTourWindowWritesTheCurrentTab)
     EXPECT_TRUE(tour->optMode[1]->isChecked());
     tour->cmdCancel->click();
     EXPECT_FALSE(tour->isVisible());
-}
-
-TEST(TourWiring, AcpScriptOfTheCurrentTab)
-{
-    TourScreen s;
-    s.LoadList("Select * From SelvaneTable Where MessierNumber = 42");
-    std::ofstream(s.dir.File(scope::kSlideShowScript), std::ios::binary)
-        << "Set a = FS.OpenTextFile(\"x\", ForReading, False)\n";
-
-    s.window->ab_ToolClick("csc");
-    ASSERT_EQ(s.ui.shown.size(), 1u);
-    EXPECT_EQ(s.ui.shown[0].ShortMessage, "ACP Not Installed");
-    EXPECT_FALSE(fs::exists(s.dir.File(scope::kSlideShowList)));
-
-    s.state.prefs.ACPPath = s.dir.path.string();
-    s.ui.shown.clear();
-    s.window->ab_ToolClick("csc");
-    ASSERT_EQ(s.ui.shown.size(), 1u);
-    EXPECT_EQ(s.ui.shown[0].ShortMessage, "Script Object List is complete.");
-    EXPECT_EQ(ReadBytes(s.dir.File(scope::kSlideShowList)).substr(0, 8), "!START\r\n");
-    EXPECT_EQ(ReadBytes(s.dir.File(scope::kSlideShowScript)),
-              "Set a = FS.OpenTextFile(\"" +
-                  fs::absolute(s.dir.File(scope::kSlideShowList)).string() +
-                  "\", ForReading, False)\r\n");
 }
 
 } // namespace

