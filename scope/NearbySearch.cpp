@@ -283,6 +283,10 @@ NearbySearch IdentifyObjects(spread::AppState& TMM, const SearchRequest& request
             row.ObjectID = std::string(objectId.Text());
             row.OtherID = std::string(otherId.Text());
             row.separation = separation;
+            row.raHours =
+                astro::ConvertToDecimal(objectRa.seconds, objectRa.minutes, objectRa.hours);
+            row.decDeg =
+                astro::ConvertToDecimal(objectDec.seconds, objectDec.minutes, objectDec.degrees);
             row.AngSep = vb::Format(separation, "###.0");
             row.Catalog = std::string(catalog.Text());
             row.Mag = magnitude.IsNull() ? std::string() : vb::Format(magnitude.Double(), "##.0");

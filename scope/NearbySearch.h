@@ -98,6 +98,8 @@ struct NearbyRow
     std::string Const, Type;
     long long ID = 0;      // hidden
     double separation = 0; // degrees, what the rows are sorted by
+    double raHours = 0;    // the stored position (epoch 2000), for the list's Goto
+    double decDeg = 0;
 };
 
 struct NearbySearch
