@@ -411,9 +411,9 @@ void BuildSql(AppState& TMM, const GridLoad& load)
     }
     if (!TMM.objectDb)
         throw services::Fault("The database is not open.", LoadLocation);
-    const data::SqlSelect select = data::BuildSQLSelectString(
-        FilterForSql(TMM.target, data::FilterFromPreferences(TMM.prefs)),
-        data::LoadFilterLookups(*TMM.objectDb));
+    const data::SqlSelect select =
+        data::BuildSQLSelectString(FilterForSql(TMM.target, data::FilterFromPreferences(TMM.prefs)),
+                                   data::LoadFilterLookups(*TMM.objectDb));
     TMM.SQL = select.SQL;
     TMM.OrderBy = select.OrderBy;
 }
