@@ -40,6 +40,7 @@
 #include "app/SunMoonCommand.h"
 #include "app/ScopeCommand.h"
 #include "app/TourCommand.h"
+#include "app/TargetCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -250,6 +251,30 @@ const std::map<std::string, Command>& Commands()
               return app::RunScopeCommand(TMM, start, args, std::cin, std::cout, clock);
           },
           app::ScopeUsage}},
+        {"ntos",
+         {app::CheckNtosArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunNtosCommand(TMM, start, args, std::cout, clock);
+          },
+          app::NtosUsage}},
+        {"identify",
+         {app::CheckIdentifyArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunIdentifyCommand(TMM, start, args, std::cout, clock);
+          },
+          app::IdentifyUsage}},
+        {"target",
+         {app::CheckTargetArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunTargetCommand(TMM, start, args, std::cout, clock);
+          },
+          app::TargetUsage}},
         {"plotfile",
          {app::CheckPlotFileArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult&,

@@ -6,6 +6,7 @@
 #include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
+#include "app/TargetWiring.h"
 #include "app/SolarSystemWiring.h"
 #include "app/TourWiring.h"
 #include "data/Preferences.h"
@@ -86,6 +87,7 @@ int main(int argc, char* argv[])
     app::WireBackup(window, state, clock);
     scopeWiring = app::WireScope(window, state, ui, clock, speech);
     ui.SetSpeaker(scopeWiring.Speak);
+    app::WireTarget(window, state, ui, scopeWiring);
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
     app::WireTours(window, state, ui);

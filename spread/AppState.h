@@ -11,6 +11,7 @@
 #include "services/UiPort.h"
 #include "spread/Grid.h"
 #include "spread/PlanState.h"
+#include "spread/Targeting.h"
 
 #include <array>
 #include <memory>
@@ -102,6 +103,8 @@ struct AppState
     StatusBand status;
     FilterControls controls;
     std::vector<HerschelRef> herschel;
+    // The home target and the targeting switch, for the run.
+    Targeting target;
 };
 
 } // namespace spread

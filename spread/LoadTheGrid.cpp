@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <condition_variable>
 #include <functional>
+#include <optional>
 #include <exception>
 #include <mutex>
 #include <set>
@@ -215,13 +216,17 @@ struct RowContext
     const astro::ObservingClock& clock;
     const astro::Clock& computerClock;
     GatheredFaults& faults;
+    // While targeting is on: the target, and the separation limits a kept row's distance to it
+    // must meet (none for a plan load, whose row filters are off).
+    const TargetCentre* target = nullptr;
+    const SeparationLimits* separationLimits = nullptr;
 };
 
 void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
                   const RowContext& context, RowSlice& out)
 {
     for (std::size_t i = begin; i < end; ++i) {
-        const ObjectRecord& record = block[i];
+        ObjectRecord record = block[i];
         Position position;
         const bool hasPosition = StoredPosition(record, position);
         ComputedColumns computed;
@@ -229,6 +234,17 @@ void ComputeSlice(const RecordBlock& block, std::size_t begin, std::size_t end,
             const double epoch = record.EPOCH.null ? 2000.0 : record.EPOCH.value;
             ComputeColumns(context.options, context.clock, context.computerClock, epoch, position,
                            computed, context.faults);
+        }
+        if (context.target && hasPosition) {
+            // The row's position as its R.A. and Dec. cells show it.
+            const double separation = SeparationFrom(
+                *context.target, {position.raHours, position.raMinutes, position.raSeconds},
+                {position.decDegrees, position.decMinutes, position.decSeconds}, context.faults);
+            record.targetSeparation = NumberField::Of(separation);
+            if (context.separationLimits && !context.separationLimits->Holds(separation)) {
+                out.rows.push_back({out.text.size(), 0, RowVerdict{}});
+                continue;
+            }
         }
         const RowVerdict verdict =
             WriteGridRow(record, !hasPosition, position, computed, context.options, out.scratch);
@@ -396,7 +412,7 @@ void BuildSql(AppState& TMM, const GridLoad& load)
     if (!TMM.objectDb)
         throw services::Fault("The database is not open.", LoadLocation);
     const data::SqlSelect select =
-        data::BuildSQLSelectString(data::FilterFromPreferences(TMM.prefs),
+        data::BuildSQLSelectString(FilterForSql(TMM.target, data::FilterFromPreferences(TMM.prefs)),
                                    data::LoadFilterLookups(*TMM.objectDb));
     TMM.SQL = select.SQL;
     TMM.OrderBy = select.OrderBy;
@@ -481,7 +497,18 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         const BoundFields fields = Bind(rs, TMM.UseLogDatabase && prefs.UseCd);
         const RowOptions options = OptionsFrom(prefs, TMM.PlanLoad);
         const astro::ObservingClock clock = ClockFrom(prefs);
-        const RowContext context{options, clock, computerClock, faults};
+        // The mount, when it is the target, is read once for the whole load.
+        TMM.target.TargetPositionRead = false;
+        const std::optional<TargetCentre> target =
+            TMM.target.TargetingOn ? TargetCentreOf(TMM.target) : std::nullopt;
+        const SeparationLimits separationLimits =
+            SeparationLimitsOf(data::FilterFromPreferences(prefs));
+        const RowContext context{options,
+                                 clock,
+                                 computerClock,
+                                 faults,
+                                 target ? &*target : nullptr,
+                                 target && !TMM.PlanLoad ? &separationLimits : nullptr};
 
         const bool askLogbook = prefs.DataLogType && TMM.logbookDb;
         auto readBlock = [&](RecordBlock& block, std::size_t size) {
@@ -662,8 +689,7 @@ void LoadTheGrid(AppState& TMM, Grid& grid, LoadMode mode, GridLoad& load,
         format.sort = {prefs.sort1, prefs.sort2, prefs.sort3};
         format.descending = {prefs.Des1 == "D", prefs.Des2 == "D", prefs.Des3 == "D"};
         format.zerosup = prefs.zerosup;
-        // The distance to a home target is not shown yet, so column 23 keeps Separation.
-        format.targetSet = false;
+        format.targetSet = TMM.target.TargetingOn;
         format.allGcvs = load.allGcvs;
         format.rowWidths = widthsMeasured ? &rowWidths : nullptr;
         FormatSpreadsheet(grid, TMM.CurrTab, true, format);

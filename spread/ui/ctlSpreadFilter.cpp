@@ -314,7 +314,10 @@ QWidget* ctlSpreadFilter::BuildRanges2Page()
     txtdblMag2 = RangeBox("txtdblMag2");
     grid->addWidget(new QLabel("From"), 0, 1);
     grid->addWidget(new QLabel("To"), 0, 2);
-    grid->addWidget(new QLabel("Separation (arc sec)"), 1, 0);
+    lblSep = new QLabel;
+    lblSep->setObjectName("lblSep");
+    ShowTargeting(state_.target.TargetingOn);
+    grid->addWidget(lblSep, 1, 0);
     grid->addWidget(txtSepLow, 1, 1);
     grid->addWidget(txtSepHigh, 1, 2);
     grid->addWidget(new QLabel("Position angle (°)"), 2, 0);
@@ -324,9 +327,19 @@ QWidget* ctlSpreadFilter::BuildRanges2Page()
     grid->addWidget(txtdblMag, 3, 1);
     grid->addWidget(new QLabel("Magnitude difference at least"), 4, 0);
     grid->addWidget(txtdblMag2, 4, 1);
-    grid->setColumnStretch(3, 1);
+    cmdTarget = new QPushButton("TARGET");
+    cmdTarget->setObjectName("cmdTarget");
+    connect(cmdTarget, &QPushButton::clicked, this, &ctlSpreadFilter::TargetRequested);
+    grid->addWidget(cmdTarget, 1, 3);
+    grid->setColumnStretch(4, 1);
     grid->setRowStretch(5, 1);
     return page;
+}
+
+void ctlSpreadFilter::ShowTargeting(bool targetingOn)
+{
+    if (lblSep)
+        lblSep->setText(targetingOn ? "Distance from home target (°)" : "Separation (arc sec)");
 }
 
 QWidget* ctlSpreadFilter::BuildSortPage()
@@ -489,7 +502,8 @@ void ctlSpreadFilter::PickerChanged(QListWidget* list)
 std::string ctlSpreadFilter::BuildSQLSelectString()
 {
     StoreInPreferences();
-    const data::SqlSelect select = data::BuildSQLSelectString(Filter(), lookups_);
+    const data::SqlSelect select =
+        data::BuildSQLSelectString(FilterForSql(state_.target, Filter()), lookups_);
     state_.SQL = select.SQL;
     state_.OrderBy = select.OrderBy;
     txtSQL->setPlainText(Q(select.SQL));

@@ -69,6 +69,9 @@ public:
 
     // Writes the controls into the settings and saves them (the panel is closing).
     void SavePreferences();
+    // The Ranges 2 separation caption for the targeting switch: the distance to the home
+    // target in degrees while it is on, the double star's separation otherwise.
+    void ShowTargeting(bool targetingOn);
 
     // The controls, under their names, for the window and the tests.
     QTabWidget* tabFilter = nullptr;
@@ -84,6 +87,9 @@ public:
     QLineEdit* txtSizeUpper = nullptr;
     QLineEdit* txtSepLow = nullptr;
     QLineEdit* txtSepHigh = nullptr;
+    // The separation caption, which says what the limits measure, and the TARGET button.
+    QLabel* lblSep = nullptr;
+    QPushButton* cmdTarget = nullptr;
     QLineEdit* txtPAlow = nullptr;
     QLineEdit* txtPAHigh = nullptr;
     QLineEdit* txtFROMRAH = nullptr;
@@ -114,6 +120,8 @@ signals:
     void RefreshRequested();
     // ApplyIt: once the first load has been made, the window loads the tab with "BUILD".
     void ApplyRequested();
+    // The TARGET button of the Ranges 2 tab: the window opens frmTarget.
+    void TargetRequested();
 
 private:
     QWidget* BuildFiltersPage();
