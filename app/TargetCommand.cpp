@@ -178,7 +178,6 @@ int RunNtosCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     TargetArgs args;
     if (!Parse(Command::Ntos, words, args).empty())
         return 2;
-    CliScope cli(TMM, computerClock);
     if (LoadListRow(TMM, start, args.sql, args.build, args.plan, 0, computerClock) != 0)
         return 1;
     const std::size_t errorsBefore = ErrorsShown(TMM.ui);
@@ -233,6 +232,16 @@ int RunTargetCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         return 2;
     CliScope cli(TMM, computerClock);
     CaptionMenu menu;
+    // The hooks reach this run's telescope and go with it.
+    struct Unhook
+    {
+        spread::Targeting& target;
+        ~Unhook()
+        {
+            target.ScopeEnabled = nullptr;
+            target.ReadScope = nullptr;
+        }
+    } unhook{TMM.target};
     TMM.target.ScopeEnabled = [&menu] { return scope::IsTelescopeEnabled(menu); };
     TMM.target.ReadScope = [&]() -> std::optional<std::pair<double, double>> {
         const std::optional<scope::ScopePosition> p =
@@ -256,8 +265,6 @@ int RunTargetCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
     if (Reload(TMM, start, args, computerClock) != 0)
         return 1;
     const int printed = PrintGrid(TMM.grids[0], out);
-    TMM.target.ScopeEnabled = nullptr;
-    TMM.target.ReadScope = nullptr;
     return printed != 0 ? 1 : Status(TMM, errorsBefore, true);
 }
 
