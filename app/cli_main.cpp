@@ -38,6 +38,7 @@
 #include "app/WhatsUpCommand.h"
 #include "app/SunMoonCommand.h"
 #include "app/ScopeCommand.h"
+#include "app/SlideCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -248,6 +249,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunScopeCommand(TMM, start, args, std::cin, std::cout, clock);
           },
           app::ScopeUsage}},
+        {"slideshow",
+         {app::CheckSlideArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunSlideCommand(TMM, start, args, std::cout, clock);
+          },
+          app::SlideUsage}},
         {"plotfile",
          {app::CheckPlotFileArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult&,

@@ -6,6 +6,7 @@
 #include "app/CometWiring.h"
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
+#include "app/SlideWiring.h"
 #include "app/SolarSystemWiring.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
@@ -87,6 +88,7 @@ int main(int argc, char* argv[])
     ui.SetSpeaker(scopeWiring.Speak);
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
+    app::WireSlideShow(window, state, clock, speech);
     app::WireReports(window, state, clock,
                      app::WireCharts(window, state, ui, clock, scopeWiring,
                                      data::ResourcesBesideExecutable()));
