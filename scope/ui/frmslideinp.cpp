@@ -212,6 +212,9 @@ void frmslideinp::ShowState()
     StatusBar1->showMessage(QString::fromStdString(slide.statusBar));
     const QSignalBlocker block(chkaltmap);
     chkaltmap->setChecked(slide.chkaltmap);
+    // The Go to list follows the row shown.
+    if (slide.CurrentRow >= 1 && slide.CurrentRow <= cbogoto->count())
+        cbogoto->setCurrentIndex(slide.CurrentRow - 1);
     cmdOn->setEnabled(slide.cmdOnEnabled);
     cmdOff->setEnabled(slide.cmdOffEnabled);
     if (slide.Timer1Enabled && !Timer1->isActive())

@@ -18,6 +18,7 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTextBrowser>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -74,7 +75,7 @@ protected:
 
 TEST_F(SlideWindows, StartOpensTheShowOnThePlansObjects)
 {
-    LoadPlan({"M 31", "M 32", "M 110", "M 33"});
+    LoadPlan({"NGC 224", "NGC 221", "NGC 205", "NGC 598"});
     TMM.CurrTab = 0;
     bool started = false;
     scope::ui::frmSlide opening(TMM, [&] { started = true; });
@@ -86,7 +87,7 @@ TEST_F(SlideWindows, StartOpensTheShowOnThePlansObjects)
     window.show();
     window.Open();
     EXPECT_EQ(window.cbogoto->count(), 4);
-    EXPECT_EQ(window.txtObjectID->text().left(4), "M 31");
+    EXPECT_EQ(window.txtObjectID->text().left(7), "NGC 224");
     EXPECT_EQ(window.StatusBar1->currentMessage().toStdString(),
               "Shown 1 out of 4    Please Wait until scope stops until you go to another object");
     // Not the keypad mount: the controller's buttons are off.
@@ -100,7 +101,8 @@ TEST_F(SlideWindows, StartOpensTheShowOnThePlansObjects)
     emit window.cbogoto->activated(2);
     EXPECT_EQ(window.slide.CurrentRow, 3);
     window.cmdPrevious->click();
-    EXPECT_EQ(window.txtObjectID->text().left(4), "M 32");
+    EXPECT_EQ(window.txtObjectID->text().left(7), "NGC 221");
+    EXPECT_EQ(window.cbogoto->currentIndex(), 1) << "the Go to list follows the row shown";
     EXPECT_FALSE(window.Timer1->isActive());
 
     if (const QByteArray shots = qgetenv("SELVANE_SHOTS"); !shots.isEmpty())
