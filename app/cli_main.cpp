@@ -41,6 +41,7 @@
 #include "app/ScopeCommand.h"
 #include "app/TourCommand.h"
 #include "app/TargetCommand.h"
+#include "app/SlideCommand.h"
 #include "data/Preferences.h"
 #include "data/ProgramDir.h"
 #include "data/SettingsStore.h"
@@ -275,6 +276,14 @@ const std::map<std::string, Command>& Commands()
               return app::RunTargetCommand(TMM, start, args, std::cout, clock);
           },
           app::TargetUsage}},
+        {"slideshow",
+         {app::CheckSlideArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult& start,
+             const std::vector<std::string>& args) {
+              const astro::SystemClock clock;
+              return app::RunSlideCommand(TMM, start, args, std::cout, clock);
+          },
+          app::SlideUsage}},
         {"plotfile",
          {app::CheckPlotFileArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult&,

@@ -7,6 +7,7 @@
 #include "app/LogbookWiring.h"
 #include "app/ScopeWiring.h"
 #include "app/TargetWiring.h"
+#include "app/SlideWiring.h"
 #include "app/SolarSystemWiring.h"
 #include "app/TourWiring.h"
 #include "data/Preferences.h"
@@ -91,6 +92,7 @@ int main(int argc, char* argv[])
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
     app::WireTours(window, state, ui);
+    app::WireSlideShow(window, state, clock, speech);
     app::WireReports(window, state, clock,
                      app::WireCharts(window, state, ui, clock, scopeWiring,
                                      data::ResourcesBesideExecutable()));

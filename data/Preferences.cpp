@@ -260,6 +260,7 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("LargeFonts", "LargeFonts", p.LargeFonts, false);
     visit("Ltype", "Ltype", p.Ltype, S("Default"));
     visit("Dsound", "Dsound", p.Dsound, false);
+    visit("keypad", "keypad", p.keypad, false);
     visit("printpref", "printpref", p.printpref, S("C"));
     visit("CIMess", "CIMess", p.CIMess, false);
     visit("CIHers", "CIHers", p.CIHers, false);

@@ -155,6 +155,8 @@ struct Preferences
     bool LargeFonts = false;
     std::string Ltype = "Default";
     bool Dsound = false;
+    // An indi:// driver stands for the keypad mount LXP.Telescope in the slide show.
+    bool keypad = false;
     std::string printpref = "C";
     bool CIMess = false;
     bool CIHers = false;

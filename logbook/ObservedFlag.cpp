@@ -32,6 +32,33 @@ long long ObjectKey(data::Database* objectDb, const std::string& objectId,
     return rs.Eof() ? 0 : rs.Fields("ID").Long();
 }
 
+void InsertQuickEntry(data::Database& logbook, const astro::Clock& clock, const QuickEntry& entry)
+{
+    const astro::LocalDateTime now = clock.Now();
+    std::string columns =
+        "ObjectID, Catalog, DateObserved, TimeObserved, SeenFlag, DataRec, LogType";
+    std::string values =
+        "'" + vb::QuoteForSql(entry.ObjectID) + "', '" + vb::QuoteForSql(entry.Catalog) + "', #" +
+        vb::DateForSql(QDate(now.year, now.month, now.day)) + "#, '" +
+        vb::LongTime(QTime(now.hour, now.minute, now.second)) + "', " + (entry.seen ? "-1" : "0") +
+        ", " + std::to_string(entry.DataRec) + ",'" + vb::QuoteForSql(entry.LogType) + "'";
+    const auto add = [&](const char* column, const std::optional<std::string>& text) {
+        if (!text)
+            return;
+        columns += std::string(", ") + column;
+        values += ", '" + vb::QuoteForSql(*text) + "'";
+    };
+    add("LocationObserved", entry.LocationObserved);
+    add("EquipmentUsed", entry.EquipmentUsed);
+    add("OtherEquipment", entry.OtherEquipment);
+    add("Transparency", entry.Transparency);
+    add("Seeing", entry.Seeing);
+    add("ShortDescription", entry.ShortDescription);
+    add("ObservationText", entry.ObservationText);
+    add("Rating", entry.Rating);
+    logbook.Execute("Insert Into Logbook (" + columns + ") values(" + values + ")");
+}
+
 bool AddToLogbook(services::UiPort& ui, data::Database& logbook, data::Database& objectDb,
                   const data::Preferences& prefs, const astro::Clock& clock,
                   const std::string& objectId, const std::string& catalogId, long long key,
@@ -47,14 +74,9 @@ bool AddToLogbook(services::UiPort& ui, data::Database& logbook, data::Database&
     if (!ui.Ask("Add this object to your " + prefs.Ltype + " personal logbook ?", title, false))
         return false;
     const bool added = services::Trap(ui, "TMM.AddToLogbook", [&] {
-        const astro::LocalDateTime now = clock.Now();
-        logbook.Execute(
-            "Insert Into Logbook (ObjectID, Catalog, DateObserved, TimeObserved, SeenFlag, "
-            "DataRec, LogType) values('" +
-            vb::QuoteForSql(objectId) + "', '" + catalogId + "', #" +
-            vb::DateForSql(QDate(now.year, now.month, now.day)) + "#, '" +
-            vb::LongTime(QTime(now.hour, now.minute, now.second)) + "', -1, " +
-            std::to_string(key) + ",'" + vb::QuoteForSql(prefs.Ltype) + "')");
+        InsertQuickEntry(
+            logbook, clock,
+            {.ObjectID = objectId, .Catalog = catalogId, .LogType = prefs.Ltype, .DataRec = key});
         objectDb.Execute("Update SelvaneTable Set Observed = True Where ID = " +
                          std::to_string(key));
     });

@@ -10,6 +10,7 @@
 #include "services/UiPort.h"
 
 #include <functional>
+#include <optional>
 #include <string>
 
 namespace logbook {
@@ -23,6 +24,22 @@ std::string ObservedUpdateSql(const std::string& objectId, const std::string& ca
 // catalogue id; 0 when there is none or no object database is open.
 long long ObjectKey(data::Database* objectDb, const std::string& objectId,
                     const std::string& catalogId);
+
+// A quick entry, written in one row of Logbook by InsertQuickEntry. Columns left unset stay
+// null; blank texts are stored as one space by the caller, as the logbook keeps them.
+struct QuickEntry
+{
+    std::string ObjectID, Catalog, LogType;
+    long long DataRec = 0;
+    bool seen = true;
+    std::optional<std::string> LocationObserved, EquipmentUsed, OtherEquipment, Transparency,
+        Seeing, ShortDescription, ObservationText, Rating;
+};
+
+// The one writer of quick entries (the spreadsheet's one-click log, the slide show's log):
+// today's date and the time now from clock. The number comes from Logbook's AUTOINCREMENT, so
+// no number is ever given twice. Throws the database's error.
+void InsertQuickEntry(data::Database& logbook, const astro::Clock& clock, const QuickEntry& entry);
 
 // TMM.AddToLogbook: the one-click log of a spreadsheet row (grid column 3).
 // Given: objectId, catalogId, key, the row's ObjectID, Catalog and RecordID; openEntry, the

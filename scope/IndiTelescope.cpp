@@ -13,6 +13,7 @@
 #include <libindi/basedevice.h>
 #include <libindi/indipropertynumber.h>
 #include <libindi/indipropertyswitch.h>
+#include <libindi/indipropertytext.h>
 
 // libindi's client library writes its diagnostics straight to stderr through IDLog, one line at
 // every connectServer() among them, and stderr of selvane-cli is a parsed interface. This
@@ -44,6 +45,7 @@ constexpr auto kCommandTimeout = 3s;
 constexpr double kSyncTolerance = 1e-4; // hours of RA, degrees of Dec
 
 constexpr const char* kEod = "EQUATORIAL_EOD_COORD";
+constexpr const char* kTimeUtc = "TIME_UTC";
 
 // One property vector as the server last sent it.
 struct Vector
@@ -125,6 +127,18 @@ public:
             vector[i].setValue(values[i].second);
         }
         sendNewNumber(vector);
+    }
+
+    void SendTexts(const std::string& device, const char* property,
+                   const std::vector<std::pair<std::string, std::string>>& texts)
+    {
+        INDI::PropertyText vector(texts.size());
+        vector.fill(device.c_str(), property, "", "", IP_RW, 0, IPS_IDLE);
+        for (size_t i = 0; i < texts.size(); ++i) {
+            vector[i].setName(texts[i].first);
+            vector[i].setText(texts[i].second);
+        }
+        sendNewText(vector);
     }
 
     std::mutex mutex;
@@ -476,6 +490,41 @@ public:
 
     void Park() override { SendPark(true); }
     void Unpark() override { SendPark(false); }
+
+    std::string UtcOffset() override
+    {
+        const Vector time = Require(kTimeUtc, "the reading of the UTC offset");
+        const auto offset = time.Text("OFFSET");
+        if (!offset)
+            throw TelescopeError(device_ + " has no OFFSET in " + kTimeUtc);
+        return *offset;
+    }
+
+    // The whole vector goes back with OFFSET changed: the device takes UTC and offset together.
+    void SetUtcOffset(const std::string& hours) override
+    {
+        const Vector time = Require(kTimeUtc, "the change of the UTC offset");
+        std::vector<std::pair<std::string, std::string>> texts;
+        for (const auto& [name, text] : time.texts)
+            texts.emplace_back(name, name == "OFFSET" ? hours : text);
+        std::unique_lock lock(link_->mutex);
+        const DeviceVectors& vectors = link_->devices[address_.device];
+        const auto updates = [&] {
+            auto found = vectors.find(kTimeUtc);
+            return found == vectors.end() ? 0ul : found->second.updates;
+        };
+        const unsigned long before = updates();
+        lock.unlock();
+        link_->SendTexts(address_.device, kTimeUtc, texts);
+        lock.lock();
+        link_->changed.wait_for(lock, kCommandTimeout,
+                                [&] { return link_->lost || updates() > before; });
+        if (link_->lost)
+            throw Lost(std::string("after the change of ") + kTimeUtc);
+        auto found = vectors.find(kTimeUtc);
+        if (found == vectors.end() || found->second.state == IPS_ALERT)
+            throw TelescopeError("The UTC offset was refused by " + device_);
+    }
 
 private:
     TelescopeError Lost(const std::string& when) const

@@ -5,6 +5,16 @@
 
 namespace scope {
 
+std::string Telescope::UtcOffset()
+{
+    throw TelescopeError("not supported");
+}
+
+void Telescope::SetUtcOffset(const std::string&)
+{
+    throw TelescopeError("not supported");
+}
+
 std::unique_ptr<Telescope> MakeTelescope(std::string_view identifier)
 {
     if (identifier.starts_with("indi://"))

@@ -31,13 +31,7 @@ public:
 // and throw TelescopeError ("The slew was stopped").
 using KeepGoing = std::function<bool()>;
 
-enum class Direction
-{
-    North,
-    South,
-    East,
-    West
-};
+enum class Direction { North, South, East, West };
 
 class Telescope
 {
@@ -77,6 +71,12 @@ public:
     virtual void SetTracking(bool on) = 0;
     virtual void Park() = 0;
     virtual void Unpark() = 0;
+
+    // The mount's UTC offset as the device keeps it: hours as text ("-1.00"), added to UTC to
+    // give local time (INDI TIME_UTC OFFSET). The slide show's keypad control reads and writes
+    // it. A backend without such a value (Alpaca) throws TelescopeError "not supported".
+    virtual std::string UtcOffset();
+    virtual void SetUtcOffset(const std::string& hours);
 };
 
 // Makes the driver of an identifier; nothing for an identifier of no known kind or form. Nothing
