@@ -23,7 +23,7 @@ struct CommandTool
 {
     std::string_view key;     // the tool's Name, compared case-sensitively
     std::string_view caption; // empty when the tool has no text of its own
-    std::string_view hint;    // tooltip; the caption when the tool has one
+    std::string_view hint;    // tooltip; the caption unless the tool has a hint of its own
     std::string_view bands;   // the bands the tool stands in, separated by blanks
     bool needsTab;            // refused unless a spreadsheet tab (0 to 4) is current
 };
