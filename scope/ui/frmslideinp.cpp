@@ -141,6 +141,8 @@ frmslideinp::frmslideinp(spread::AppState& TMM, ScopeContext& s,
         ReadLogFields();
         Run([this] { slide.Timer1(); });
     });
+    // Without an object's details window the button stays off rather than doing nothing.
+    cmdMoreInfo->setEnabled(static_cast<bool>(moreInfo_));
     connect(cmdMoreInfo, &QPushButton::clicked, this, [this] {
         if (moreInfo_)
             moreInfo_(slide.MoreInfoId());
