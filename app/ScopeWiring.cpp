@@ -263,6 +263,9 @@ ScopeWiring WireScope(spread::frmMainScreen& window, spread::AppState& state, se
         if (guarded)
             guarded->SlewJ2000(raHours, decDeg);
     };
+    wiring.Context = [guarded]() -> scope::ScopeContext* {
+        return guarded ? &guarded->Context() : nullptr;
+    };
     return wiring;
 }
 

@@ -14,7 +14,8 @@
 
 namespace scope {
 class SpeechPlatform;
-}
+struct ScopeContext;
+} // namespace scope
 namespace services {
 class UiPort;
 }
@@ -53,6 +54,9 @@ struct ScopeWiring
     // The chart window's "Slew here": a J2000 position precessed to today and slewed to, or
     // the message that no telescope is attached.
     std::function<void(double raHours, double decDeg)> SlewJ2000;
+    // The process's one telescope context, for a window that runs the telescope routines itself
+    // (the slide show); nothing once the main window is gone.
+    std::function<scope::ScopeContext*()> Context;
 };
 
 // Gives the main window its telescope commands.

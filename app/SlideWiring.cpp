@@ -1,6 +1,5 @@
 #include "app/SlideWiring.h"
 
-#include "scope/Speech.h"
 #include "scope/TelescopeStuff.h"
 #include "scope/ui/frmSlide.h"
 #include "scope/ui/frmslideinp.h"
@@ -14,19 +13,15 @@ namespace app {
 
 namespace {
 
-// The telescope context of the slide show, living as long as the main window.
+// The slide show's windows, children of the main window so that they go with it.
 class SlideLink : public QObject
 {
 public:
-    SlideLink(spread::frmMainScreen& window, spread::AppState& state, const astro::Clock& clock,
-              scope::SpeechPlatform& platform)
-        : QObject(&window), window_(window), state_(state),
-          speech_(platform), context_{state.ui, state.prefs, scopeState_, layer_, speech_, clock}
+    SlideLink(spread::frmMainScreen& window, spread::AppState& state,
+              std::function<scope::ScopeContext*()> telescope)
+        : QObject(&window), window_(window), state_(state), telescope_(std::move(telescope))
     {
-        layer_.MakeDriver = scope::MakeTelescope;
-        layer_.profileFile = state.settings.File();
     }
-    ~SlideLink() override { scope::ReleaseScope(scopeState_); }
 
     void Open()
     {
@@ -42,7 +37,10 @@ public:
 private:
     void StartShow()
     {
-        show_ = new scope::ui::frmslideinp(state_, context_, {}, &window_);
+        scope::ScopeContext* context = telescope_ ? telescope_() : nullptr;
+        if (!context)
+            return;
+        show_ = new scope::ui::frmslideinp(state_, *context, {}, &window_);
         show_->setAttribute(Qt::WA_DeleteOnClose);
         show_->show();
         show_->Open();
@@ -50,19 +48,16 @@ private:
 
     spread::frmMainScreen& window_;
     spread::AppState& state_;
-    scope::TelescopeState scopeState_;
-    scope::DriverLayer layer_;
-    scope::Speech speech_;
-    scope::ScopeContext context_;
+    std::function<scope::ScopeContext*()> telescope_;
     QPointer<scope::ui::frmslideinp> show_;
 };
 
 } // namespace
 
 void WireSlideShow(spread::frmMainScreen& window, spread::AppState& state,
-                   const astro::Clock& clock, scope::SpeechPlatform& speech)
+                   std::function<scope::ScopeContext*()> telescope)
 {
-    auto* link = new SlideLink(window, state, clock, speech);
+    auto* link = new SlideLink(window, state, std::move(telescope));
     window.Dispatcher().SetAction("slideshow", [link] { link->Open(); });
 }
 

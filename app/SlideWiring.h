@@ -2,10 +2,10 @@
 // The telescope slide show on the main window: the key slideshow opens frmSlide, whose Start
 // The Slide Show opens frmslideinp on the current tab.
 
-#include "astro/ObservingClock.h"
+#include <functional>
 
 namespace scope {
-class SpeechPlatform;
+struct ScopeContext;
 }
 namespace spread {
 class frmMainScreen;
@@ -14,11 +14,10 @@ struct AppState;
 
 namespace app {
 
-// Given: window, whose dispatcher takes the key; state, the application state; clock, the
-//   computer clock; speech, the machine's speech. All outlive the window.
-// Notes: the show keeps its own telescope handle; like every telescope operation it holds no
-//   link between operations, so it never meets the other telescope windows' handle.
+// Given: window, whose dispatcher takes the key; state, the application state; telescope, the
+//   process's telescope context (ScopeWiring::Context), which the show's gotos and keypad use.
+//   All outlive the window.
 void WireSlideShow(spread::frmMainScreen& window, spread::AppState& state,
-                   const astro::Clock& clock, scope::SpeechPlatform& speech);
+                   std::function<scope::ScopeContext*()> telescope);
 
 } // namespace app

@@ -92,7 +92,7 @@ int main(int argc, char* argv[])
     app::WireSolarSystem(window, state, ui, clock, scopeWiring.Goto);
     app::WireComets(window, state, ui, clock);
     app::WireTours(window, state, ui);
-    app::WireSlideShow(window, state, clock, speech);
+    app::WireSlideShow(window, state, scopeWiring.Context);
     app::WireReports(window, state, clock,
                      app::WireCharts(window, state, ui, clock, scopeWiring,
                                      data::ResourcesBesideExecutable()));

@@ -29,7 +29,7 @@ enum class OpenEnd {
     High,
 };
 
-struct RangeSpec
+struct RangeField
 {
     const char* field;
     double lowDefault;
@@ -49,18 +49,18 @@ std::string NumberText(double value)
 
 // One range clause, as BuildSQLSelectString writes it; nothing while both boxes hold the full
 // range. blanks: objects without a value pass too ("or isnull").
-void AddRange(std::string& sql, bool& where, const RangeSpec& spec, const std::string& lowBox,
+void AddRange(std::string& sql, bool& where, const RangeField& range, const std::string& lowBox,
               const std::string& highBox, bool blanks = false)
 {
-    const double low = BoxValue(lowBox, spec.lowDefault);
-    const double high = BoxValue(highBox, spec.highDefault);
-    if (low == spec.lowDefault && high == spec.highDefault)
+    const double low = BoxValue(lowBox, range.lowDefault);
+    const double high = BoxValue(highBox, range.highDefault);
+    if (low == range.lowDefault && high == range.highDefault)
         return;
-    const std::string field = spec.field;
+    const std::string field = range.field;
     std::string text;
-    if (!(spec.open == OpenEnd::Low && low == spec.lowDefault))
+    if (!(range.open == OpenEnd::Low && low == range.lowDefault))
         text = field + " >= " + NumberText(low);
-    if (!(spec.open == OpenEnd::High && high == spec.highDefault))
+    if (!(range.open == OpenEnd::High && high == range.highDefault))
         text += (text.empty() ? "" : " and ") + field + " <= " + NumberText(high);
     if (blanks)
         text = "((" + text + (field == "ObjectSize" ? " )" : ")") + " or isnull(" + field + "))";

@@ -1,11 +1,11 @@
 #include "scope/ui/frmSlide.h"
 
 #include "scope/SlideShow.h"
+#include "services/RtfReader.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
-#include <QRegularExpression>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -46,27 +46,17 @@ frmSlide::frmSlide(spread::AppState& TMM, std::function<void()> startShow, QWidg
     });
 }
 
-QString HelpText(const std::string& bytes)
-{
-    QString text = QString::fromUtf8(bytes);
-    if (!text.startsWith("{\\rtf"))
-        return text;
-    text.replace(QRegularExpression("\\\\par[d]?\\b ?"), "\n");
-    text.replace(QRegularExpression("\\{\\\\\\*[^{}]*\\}"), "");
-    text.replace(QRegularExpression("\\{\\\\fonttbl[^}]*\\}+"), "");
-    text.replace(QRegularExpression("\\\\[a-z]+-?[0-9]* ?"), "");
-    text.remove('{');
-    text.remove('}');
-    return text.trimmed();
-}
-
 frmslidehelp::frmslidehelp(const std::filesystem::path& programDir, QWidget* parent)
     : QDialog(parent)
 {
     setWindowTitle("Help for Slide Show");
     rtfHelp = new QTextBrowser;
     std::ifstream in(programDir / kSlideHelpFile, std::ios::binary);
-    rtfHelp->setPlainText(HelpText(std::string(std::istreambuf_iterator<char>(in), {})));
+    const std::string help(std::istreambuf_iterator<char>(in), {});
+    if (services::IsRtf(help))
+        rtfHelp->setHtml(QString::fromStdString(services::RtfToHtml(help)));
+    else
+        rtfHelp->setPlainText(QString::fromStdString(help));
     auto* close = new QPushButton("Close");
     auto* layout = new QVBoxLayout(this);
     layout->addWidget(rtfHelp);

@@ -31,10 +31,6 @@ private:
     std::function<void()> startShow_;
 };
 
-// The plain text of a help file: an RTF file loses its control words and groups, \par becomes
-// a line end; any other file is taken as it is.
-QString HelpText(const std::string& bytes);
-
 class frmslidehelp : public QDialog
 {
 public:
