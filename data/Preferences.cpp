@@ -262,6 +262,9 @@ void VisitKeys(Prefs& p, const ProgramDir& dir, Visit&& visit)
     visit("Dsound", "Dsound", p.Dsound, false);
     visit("keypad", "keypad", p.keypad, false);
     visit("printpref", "printpref", p.printpref, S("C"));
+    visit("defReport", "defReport", p.defReport, S());
+    visit("defReportL", "defReportL", p.defReportL, S());
+    visit("CertMissing", "CertMissing", p.CertMissing, false);
     visit("CIMess", "CIMess", p.CIMess, false);
     visit("CIHers", "CIHers", p.CIHers, false);
     visit("FindOnTop", "FindOnTop", p.FindOnTop, 1);

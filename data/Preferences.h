@@ -158,6 +158,12 @@ struct Preferences
     // An indi:// driver stands for the keypad mount LXP.Telescope in the slide show.
     bool keypad = false;
     std::string printpref = "C";
+    // The settings files the database and log reports last applied; empty: the program
+    // folder's Default.Rpt and default2.Rpl.
+    std::string defReport;
+    std::string defReportL;
+    // The certificates list what is still to observe after what has been observed.
+    bool CertMissing = false;
     bool CIMess = false;
     bool CIHers = false;
     int FindOnTop = 1;

@@ -8,6 +8,7 @@
 
 #include <QImage>
 
+#include <array>
 #include <functional>
 #include <optional>
 #include <string>
@@ -19,7 +20,8 @@ class Clock;
 }
 namespace logbook {
 class LogEntryForm;
-}
+class LogSpread;
+} // namespace logbook
 namespace spread {
 struct AppState;
 struct ChartContext;
@@ -43,8 +45,11 @@ struct ReportContext
     int row = 1;
     // The star charts (PrintChart, ChartOpen); none: reports 15 and 16 draw no chart.
     spread::ChartContext* charts = nullptr;
-    // The open observation of the entry window (reports 17 to 20); none: no entry is open.
+    // The open observation of the entry window (reports 17 to 20, 134); none: no entry is open.
     logbook::LogEntryForm* entry = nullptr;
+    // The log spreadsheet (ctlLogSpread) that reports 3 and 30 print; none: the report loads
+    // one of its own as the refresh button does.
+    logbook::LogSpread* logSpread = nullptr;
     // The text of the window that asked for report 10 (frmDescDet, plain) or 11 (frmViewLog,
     // rich text).
     std::string windowText;
@@ -61,6 +66,15 @@ std::string ShortDateText(std::string_view stored, const ReportContext& context)
 // notes and text reports.
 std::string DataFooter(const ReportContext& context);
 std::string NotesFooter();
+
+// frmSortSelection's answer for report 88: up to three column names, each with its direction
+// (an empty name is no key), and an object filter for Like (blank: every object).
+struct SortSelection
+{
+    std::array<std::string, 3> column;
+    std::array<bool, 3> descending{};
+    std::string like;
+};
 
 class ReportWindow
 {
@@ -101,6 +115,11 @@ public:
     bool chkBW = false, chkTelrad = false, chkMW = true;
     std::string txtCircle;
     std::string txtFrom, txtTo = "9999";
+    // Report 88's order and filter, from frmSortSelection.
+    SortSelection sortSelection;
+    // The certificates' "Still to observe" box (setting CertMissing), shown for 4, 7, 77 and
+    // 133.
+    bool chkMissing = false;
     std::string lblmes;
 
     // Opening: chkLand_Click, then Command9_Click for every number but 90 and 900 to 903,

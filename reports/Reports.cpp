@@ -1,5 +1,7 @@
 // The table of report numbers: Command9_Click runs the routine of ReportWindow::ReportNumber.
 
+#include "reports/Certificates.h"
+#include "reports/LogReports.h"
 #include "reports/PlanReports.h"
 #include "reports/ReportWindow.h"
 #include "reports/TextReports.h"
@@ -19,13 +21,6 @@ struct ReportRoutine
     void (*run)(ReportWindow& window);
 };
 
-// The reports of the logbook tables and the certificates come with the log reports.
-bool LogReport(int number)
-{
-    constexpr int numbers[] = {2, 3, 4, 7, 8, 30, 77, 88, 133, 134};
-    return std::find(std::begin(numbers), std::end(numbers), number) != std::end(numbers);
-}
-
 bool HasCurrentRow(const ReportContext& context)
 {
     const int tab = context.TMM.CurrTab;
@@ -40,6 +35,17 @@ std::optional<ReportRoutine> RoutineOf(int number)
     case 5:
     case 6:
         return ReportRoutine{"Command9_Click", PrintTextDocument};
+    case 2:
+        return ReportRoutine{"Printdatabasereport", Printdatabasereport};
+    case 3:
+    case 30:
+        return ReportRoutine{"Printlogreport", Printlogreport};
+    case 4:
+        return ReportRoutine{"Printmessierreport2", Printmessierreport2};
+    case 7:
+        return ReportRoutine{"Printherschel", Printherschel};
+    case 8:
+        return ReportRoutine{"Printstat", Printstat};
     case 10:
     case 11:
         return ReportRoutine{"Command9_Click", PrintWindowText};
@@ -58,6 +64,14 @@ std::optional<ReportRoutine> RoutineOf(int number)
     case 19:
     case 20:
         return ReportRoutine{"Command9_Click", PrintEntryNotes};
+    case 77:
+        return ReportRoutine{"Printherschel2", Printherschel2};
+    case 88:
+        return ReportRoutine{"PrintLogSingle", PrintLogSingle};
+    case 133:
+        return ReportRoutine{"Printmessierreport1", Printmessierreport1};
+    case 134:
+        return ReportRoutine{"PrintLogSummary", PrintLogSummary};
     case 150:
         return ReportRoutine{"calcfullmoon", calcfullmoon};
     case 151:
@@ -74,7 +88,7 @@ std::optional<ReportRoutine> RoutineOf(int number)
 
 bool ReportWindow::Known(int number)
 {
-    return RoutineOf(number) || LogReport(number) || number == 90 ||
+    return RoutineOf(number) || number == 90 ||
            (number >= 900 && number <= 903);
 }
 
@@ -85,7 +99,7 @@ bool ReportWindow::ReadsCurrentRow(int number)
 
 bool ReportWindow::Available(int number)
 {
-    return Known(number) && !LogReport(number);
+    return Known(number);
 }
 
 void ReportWindow::Command9_Click()
@@ -96,10 +110,6 @@ void ReportWindow::Command9_Click()
     surface_.SetMargins({});
     if (ReportNumber == 90 || (ReportNumber >= 900 && ReportNumber <= 903)) {
         PrintNewChart(ReportNumber);
-        return;
-    }
-    if (LogReport(ReportNumber)) {
-        TMM.ui.ShowMessage(kNotAvailableYet, kReportCaption, "I");
         return;
     }
     const std::optional<ReportRoutine> routine = RoutineOf(ReportNumber);
