@@ -4,6 +4,7 @@
 #include "reports/PlanReports.h"
 #include "reports/ui/frmPlanObs.h"
 #include "reports/ui/frmPrintout.h"
+#include "reports/ui/frmRSU.h"
 #include "reports/ui/frmUserM.h"
 #include "spread/AppState.h"
 #include "spread/StarCharts.h"
@@ -12,6 +13,7 @@
 #include <QPainter>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPushButton>
 
 #include <optional>
 
@@ -71,8 +73,25 @@ public:
         report.ReportNumber = number;
         if (prepare)
             prepare(report);
+        dialog->onReportSetup = [this, dialog](int reportNumber) {
+            OpenReportSetup(*dialog, reportNumber);
+        };
         dialog->show();
         dialog->Form_Load();
+    }
+
+    // ReportS: the settings window of the column reports; after Apply the report is built
+    // again with the new columns.
+    void OpenReportSetup(reports::frmUserM& report, int number)
+    {
+        if (number != 2 && number != 3 && number != 30)
+            return;
+        reports::frmRSU setup(number == 2 ? reports::SettingsKind::Database
+                                          : reports::SettingsKind::Log,
+                              state_, &report);
+        setup.Form_Load();
+        if (setup.exec() == QDialog::Accepted)
+            report.Command9->click();
     }
 
     // mnuopd: the plan details, refused for a solar-system row.

@@ -14,7 +14,8 @@
 // of time), elements (comet and asteroid elements imported into AstComet.mdb), scope (the
 // telescope routines on the mount of telescopetype), plotfile (the plot window: a plot file
 // opened, entries added, the file saved), chart (the chart commands: own charts drawn to
-// pictures, or sent to the planetarium), report (the report window's reports written to PDF).
+// pictures, or sent to the planetarium), report (the report window's reports written to PDF),
+// rsu (the report settings windows and their files).
 // tour and acpscript (tab 0's list as a hand controller's tour, and as ACP's slide show).
 //
 // Exit status: 0 when the command ran, 1 on an error, 2 on a usage error.
@@ -34,6 +35,7 @@
 #include "app/PlanetsCommand.h"
 #include "app/PlotFileCommand.h"
 #include "app/ReportCommand.h"
+#include "app/RsuCommand.h"
 #include "app/OalCommand.h"
 #include "app/LogSpreadCommand.h"
 #include "app/WhatsUpCommand.h"
@@ -307,6 +309,13 @@ const std::map<std::string, Command>& Commands()
               return app::RunReportCommand(TMM, start, args, std::cout, clock);
           },
           app::ReportUsage}},
+        {"rsu",
+         {app::CheckRsuArgs,
+          [](spread::AppState& TMM, const spread::LoadFormResult&,
+             const std::vector<std::string>& args) {
+              return app::RunRsuCommand(TMM, args, std::cout);
+          },
+          app::RsuUsage}},
         {"tour",
          {app::CheckTourArgs,
           [](spread::AppState& TMM, const spread::LoadFormResult& start,

@@ -132,7 +132,10 @@ void ReadReportForm(std::string_view text, ReportForm& form)
     read.fontSize = reader.Number();
     read.columns.assign(static_cast<std::size_t>(ColumnCount(form.kind)), ReportColumn{});
     for (ReportColumn& column : read.columns) {
-        column.on = std::lround(reader.Number()) == 1;
+        // The box takes the value rounded half to even, and only 1 is on; a huge value must
+        // not reach a conversion to a whole number.
+        const double value = reader.Number();
+        column.on = value > 0.5 && value < 1.5;
         column.width = reader.Text();
     }
     form = std::move(read);

@@ -94,9 +94,9 @@ void ReportSetup::cmdSave_Click()
     });
 }
 
-void ReportSetup::SaveApply()
+bool ReportSetup::SaveApply()
 {
-    services::Trap(TMM_.ui, std::string(WindowName()) + ".SaveApply", [&] {
+    return services::Trap(TMM_.ui, std::string(WindowName()) + ".SaveApply", [&] {
         const std::string name =
             fileName.empty() ? TMM_.dir.Text(DefaultFileName(form.kind)) : fileName;
         services::OutputFile file(name);

@@ -1,0 +1,114 @@
+// Report Setup of the report window opened from the main window's keys: the log report opens
+// the log's settings window, Apply stores the file and builds the report again, Close does
+// neither.
+
+#include "app/ChartWiring.h"
+#include "app/ReportWiring.h"
+#include "reports/ui/frmRSU.h"
+#include "reports/ui/frmUserM.h"
+
+#include "LogbookFolder.h"
+
+#include <QCheckBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+struct SetupScreen : LogbookFolder
+{
+    TestPort ui;
+    spread::AppState state{ui, dir, data::SettingsStore(dir.File("Selvane2000.ini"))};
+    astro::FixedClock clock{{2024, 1, 15, 21, 0, 0}};
+    std::unique_ptr<spread::frmMainScreen> window;
+
+    SetupScreen() : LogbookFolder({})
+    {
+        state.objectDb = std::move(objectDb);
+        state.logbookDb = std::move(logbookDb);
+        state.logbookPath = logbookPath;
+        state.NoLoadYet = false;
+        spread::MainScreenHooks hooks;
+        hooks.computerClock = &clock;
+        window = std::make_unique<spread::frmMainScreen>(state, ui, hooks);
+        app::ScopeWiring scope;
+        scope.TelescopeEnabled = [] { return false; };
+        scope.ConnectTelescope = [] { return false; };
+        scope.SpeechRegistered = [] { return false; };
+        app::WireReports(*window, state, clock,
+                         app::WireCharts(*window, state, ui, clock, scope, SELVANE_RESOURCE_DIR));
+        window->show();
+    }
+    ~SetupScreen()
+    {
+        window.reset();
+        Settle();
+    }
+
+    reports::frmUserM* Report() const
+    {
+        for (QDialog* dialog : window->findChildren<QDialog*>())
+            if (auto* report = dynamic_cast<reports::frmUserM*>(dialog))
+                return report;
+        return nullptr;
+    }
+};
+
+// Runs action on the settings window once it is shown modally by what comes next.
+void OnSetupWindow(std::function<void(reports::frmRSU&)> action)
+{
+    QTimer::singleShot(0, [action = std::move(action)] {
+        auto* setup = dynamic_cast<reports::frmRSU*>(QApplication::activeModalWidget());
+        if (!setup) {
+            ADD_FAILURE() << "no settings window";
+            if (QWidget* other = QApplication::activeModalWidget())
+                other->close();
+            return;
+        }
+        action(*setup);
+    });
+}
+
+TEST(ReportSetupWiring, ApplyStoresTheFileAndBuildsTheReportAgain)
+{
+    SetupScreen s;
+    s.window->ab_ToolClick("logreport");
+    Settle();
+    reports::frmUserM* report = s.Report();
+    ASSERT_NE(report, nullptr);
+    QSignalSpy previews(report->Command9, &QPushButton::clicked);
+
+    OnSetupWindow([](reports::frmRSU& setup) {
+        EXPECT_EQ(setup.windowTitle().toStdString(), "Logbook Report Setup");
+        setup.tWid[26]->setText("0.9");
+        setup.Check1[26]->click();
+        setup.cmdClose->click();
+    });
+    report->ReportS->click();
+    Settle();
+    EXPECT_EQ(previews.count(), 0);
+    EXPECT_EQ(s.state.prefs.defReportL, "");
+
+    OnSetupWindow([](reports::frmRSU& setup) {
+        EXPECT_FALSE(setup.Check1[26]->isChecked());
+        setup.Check1[26]->click();
+        setup.cmdApply->click();
+    });
+    report->ReportS->click();
+    Settle();
+    EXPECT_EQ(previews.count(), 1);
+    const std::string file = s.dir.Text("default2.Rpl");
+    EXPECT_EQ(s.state.prefs.defReportL, file);
+    reports::ReportForm applied = reports::DesignForm(reports::SettingsKind::Log);
+    std::ifstream in(file, std::ios::binary);
+    const std::string text((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    reports::ReadReportForm(text, applied);
+    EXPECT_TRUE(applied.columns[26].on);
+    EXPECT_EQ(s.state.prefs.defReport, "");
+}
+
+} // namespace
