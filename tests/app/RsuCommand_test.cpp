@@ -9,9 +9,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 namespace {
 
 using clitest::CliRun;
@@ -42,86 +39,68 @@ TEST_F(RsuCli, PrintsTheFormAfterTheStepsInTheirOrder)
     ASSERT_EQ(design.exit, 0) << design.err;
     ASSERT_EQ(design.lines.size(), 32u);
     EXPECT_EQ(design.lines[0], "Index\tCaption\tOn\tWidth");
-    EXPECT_EQ(design.lines[1], "0\tPlan\t0\t1");
     EXPECT_EQ(design.lines[4], "3\tObject Id\t1\t1.2");
     EXPECT_EQ(design.lines[31], "30\tDescription\t0\t1");
-    EXPECT_EQ(design.err, "");
-    // The shipped files were seeded into the program folder and read from there.
-    EXPECT_EQ(ReadBytes(File("Default.Rpt")), ReadBytes(SELVANE_RESOURCES "/Default.Rpt"));
     EXPECT_EQ(ReadBytes(File("default2.Rpl")), ReadBytes(SELVANE_RESOURCES "/default2.Rpl"));
 
-    // Later steps win over earlier ones; the width is kept as typed, commas and all.
+    // Later steps win; a width is kept as typed, commas and all; the notes box speaks.
     const CliRun log = Cli({"rsu", "log", "--col", "5=1,3", "--new", "--col", "0=1,1,5", "--col",
-                            "26=1,", "--col", "0=0,2", "--line", "2 - Double", "--font",
+                            "3=1,", "--col", "0=0,2", "--line", "2 - Double", "--font",
                             "Liberation Sans, Narrow,12.5", "--save", File("out")});
     ASSERT_EQ(log.exit, 0) << log.err;
     ASSERT_EQ(log.lines.size(), 28u);
     EXPECT_EQ(log.lines[1], "0\tObject\t0\t2");
+    EXPECT_EQ(log.lines[4], "3\tObserving Notes\t1\t");
     EXPECT_EQ(log.lines[6], "5\tConstellation\t0\t");
-    EXPECT_EQ(log.lines[27], "26\tPic Rating\t1\t");
     const std::string saved = ReadBytes(File("out.Rpl"));
-    EXPECT_EQ(saved.substr(0, saved.find("\r\n")),
-              "\"2 - Double\",\"Liberation Sans, Narrow\",12.5");
-    EXPECT_NE(saved.find("\r\n0,\"2\"\r\n0,\"\"\r\n"), std::string::npos) << saved;
-    EXPECT_FALSE(QFile::exists(File("out")));
-
-    // The log's notes box says what it does when it is set on, as a click does.
-    const CliRun notes = Cli({"rsu", "log", "--col", "3=1,1", "--col", "3=1,2"});
-    ASSERT_EQ(notes.exit, 0) << notes.err;
-    EXPECT_EQ(notes.lines[4], "3\tObserving Notes\t1\t2");
-    EXPECT_EQ(notes.err, "[I] Notes only will be displayed: When you select the NOTES check box, "
-                         "only observing notes will be displayed.  To see other logbook "
-                         "information, just leave this unchecked.\n");
+    EXPECT_TRUE(saved.starts_with("\"2 - Double\",\"Liberation Sans, Narrow\",12.5\r\n0,\"2\"\r\n"
+                                  "0,\"\"\r\n0,\"\"\r\n1,\"\"\r\n"))
+        << saved;
+    EXPECT_EQ(log.err, "[I] Notes only will be displayed: When you select the NOTES check box, "
+                       "only observing notes will be displayed.  To see other logbook "
+                       "information, just leave this unchecked.\n");
 }
 
 TEST_F(RsuCli, UsageErrorsAndFailedSteps)
 {
-    const std::vector<QStringList> usage{
-        {"rsu"},
-        {"rsu", "tables"},
-        {"rsu", "database", "--bogus"},
-        {"rsu", "database", "--col", "x=1,2"},
-        {"rsu", "database", "--col", "31=1,2"},
-        {"rsu", "log", "--col", "27=1,2"},
-        {"rsu", "log", "--col", "-1=1,2"},
-        {"rsu", "log", "--col", "3=2,1"},
-        {"rsu", "log", "--col", "3=1"},
-        {"rsu", "log", "--open"},
-        {"rsu", "log", "--font", "Arial"},
-        {"rsu", "log", "--font", "Arial,big"},
-        {"rsu", "log", "--save", "a", "--apply"},
-    };
-    for (const QStringList& args : usage) {
+    for (const QStringList& args : std::vector<QStringList>{
+             {"rsu"},
+             {"rsu", "tables"},
+             {"rsu", "database", "--bogus"},
+             {"rsu", "database", "--col", "x=1,2"},
+             {"rsu", "database", "--col", "31=1,2"},
+             {"rsu", "log", "--col", "27=1,2"},
+             {"rsu", "log", "--col", "3=2,1"},
+             {"rsu", "log", "--col", "3=1"},
+             {"rsu", "log", "--open"},
+             {"rsu", "log", "--font", "Arial"},
+             {"rsu", "log", "--save", "a", "--apply"},
+         }) {
         SCOPED_TRACE(args.join(' ').toStdString());
         const CliRun run = Cli(args);
         EXPECT_EQ(run.exit, 2);
         EXPECT_TRUE(run.lines.empty());
         EXPECT_NE(run.err.find("usage: selvane-cli ... rsu"), std::string::npos) << run.err;
     }
-    EXPECT_EQ(Cli({"rsu", "database", "--col", "30=1,2"}).exit, 0);
 
-    // A step that fails ends the steps; the form is printed as it stands.
+    // A failed step ends the steps; the form is printed as it stands.
     const CliRun open =
-        Cli({"rsu", "database", "--col", "0=1,9", "--open", File("none.Rpt"), "--col", "1=1,9"});
+        Cli({"rsu", "database", "--col", "30=1,9", "--open", File("none.Rpt"), "--col", "1=1,9"});
     EXPECT_EQ(open.exit, 1);
     ASSERT_EQ(open.lines.size(), 32u);
-    EXPECT_EQ(open.lines[1], "0\tPlan\t1\t9");
     EXPECT_EQ(open.lines[2], "1\tImg\t0\t1");
+    EXPECT_EQ(open.lines[31], "30\tDescription\t1\t9");
     EXPECT_NE(open.err.find("File not found\nOccurred in : frmRSU.cmdOpen_Click"),
               std::string::npos)
         << open.err;
 
     // A short file named by the setting: the opening fails, the design stays, the steps run.
-    QFile logFile(File("log.Rpl"));
-    ASSERT_TRUE(logFile.open(QIODevice::WriteOnly));
-    logFile.write(ReadBytes(SELVANE_RESOURCES "/default2.Rpl").c_str());
-    logFile.close();
     const CliRun opening =
-        Cli({"--set", "defReport=" + File("log.Rpl"), "rsu", "database", "--col", "30=1,3"});
+        Cli({"--set", "defReport=" + File("default2.Rpl"), "rsu", "database", "--col", "0=1,3"});
     EXPECT_EQ(opening.exit, 1);
     ASSERT_EQ(opening.lines.size(), 32u);
+    EXPECT_EQ(opening.lines[1], "0\tPlan\t1\t3");
     EXPECT_EQ(opening.lines[4], "3\tObject Id\t1\t1.2");
-    EXPECT_EQ(opening.lines[31], "30\tDescription\t1\t3");
     EXPECT_NE(opening.err.find("Input past end of file\nOccurred in : frmRSU.Form_Load"),
               std::string::npos)
         << opening.err;
@@ -129,22 +108,17 @@ TEST_F(RsuCli, UsageErrorsAndFailedSteps)
 
 TEST_F(RsuCli, ApplyIsReadBackByALaterRun)
 {
-    const CliRun apply = Cli({"rsu", "database", "--new", "--col", "30=1,4.5", "--apply"});
-    ASSERT_EQ(apply.exit, 0) << apply.err;
+    ASSERT_EQ(Cli({"rsu", "database", "--new", "--col", "30=1,4.5", "--apply"}).exit, 0);
     EXPECT_NE(ReadBytes(File("s.ini")).find("defReport=" + File("Default.Rpt").toStdString()),
-              std::string::npos)
-        << ReadBytes(File("s.ini"));
+              std::string::npos);
     const CliRun again = Cli({"rsu", "database"});
-    ASSERT_EQ(again.exit, 0) << again.err;
     EXPECT_EQ(again.lines[4], "3\tObject Id\t0\t");
     EXPECT_EQ(again.lines[31], "30\tDescription\t1\t4.5");
 
     // Saved under another name and applied from there: the setting follows the file.
     ASSERT_EQ(Cli({"rsu", "database", "--col", "0=1,.5", "--save", File("mine.rpt")}).exit, 0);
     ASSERT_EQ(Cli({"rsu", "database", "--open", File("mine.rpt"), "--apply"}).exit, 0);
-    const CliRun mine = Cli({"rsu", "database", "--col", "1=1,1"});
-    EXPECT_EQ(mine.lines[1], "0\tPlan\t1\t.5");
-    EXPECT_EQ(Cli({"rsu", "log"}).lines[1], "0\tObject\t1\t1.1");
+    EXPECT_EQ(Cli({"rsu", "database"}).lines[1], "0\tPlan\t1\t.5");
 }
 
 } // namespace
