@@ -87,6 +87,9 @@ RsuArgs ParseRsuArgs(const std::vector<std::string>& args)
             const std::string on = value.substr(equals + 1, comma - equals - 1);
             if (on != "0" && on != "1")
                 return fail("--col takes ON 1 or 0, not \"" + on + "\"");
+            // The width box holds one line.
+            if (value.find_first_of("\r\n", comma) != std::string::npos)
+                return fail("--col takes a width of one line");
             r.steps.push_back({StepKind::Col, value.substr(comma + 1), *index, on == "1"});
         }
     }

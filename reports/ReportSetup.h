@@ -30,7 +30,7 @@ public:
     void cmdSave_Click();
     // Writes the form to the held name (else the program folder's default) and stores the
     // name in the setting.
-    // Returned: false when it faulted (the file and the setting are then as they were).
+    // Returned: false when it faulted (the setting is then as it was).
     bool SaveApply();
     // frmrsu2's notes box: setting it on tells what it does.
     void NotesClick(bool on);

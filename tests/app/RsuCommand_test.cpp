@@ -72,6 +72,7 @@ TEST_F(RsuCli, UsageErrorsAndFailedSteps)
              {"rsu", "log", "--col", "27=1,2"},
              {"rsu", "log", "--col", "3=2,1"},
              {"rsu", "log", "--col", "3=1"},
+             {"rsu", "log", "--col", "3=1,1\n2"},
              {"rsu", "log", "--open"},
              {"rsu", "log", "--font", "Arial"},
              {"rsu", "log", "--save", "a", "--apply"},
