@@ -169,6 +169,7 @@ TEST(ReportWiring, LogbookReportAfterItsSortSelection)
         choice->chkDesc[0]->setChecked(true);
         choice->cboSort[2]->setCurrentText("ObjectID");
         choice->txtObject->setText("NGC*");
+        Save(*choice, "frmSortSelection.png");
         choice->cmdOK->click();
     });
     s.window->ab_ToolClick("plogone");
