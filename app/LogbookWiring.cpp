@@ -30,9 +30,10 @@ class LogbookLink : public QObject
 {
 public:
     LogbookLink(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                const astro::Clock& clock, data::CurrentObject& current)
+                const astro::Clock& clock, data::CurrentObject& current, LogbookPrinting printing)
         : QObject(&window), window_(window),
-          state_(state), context_{ui, nullptr, nullptr, state.prefs, state.dir, current, clock}
+          state_(state), context_{ui, nullptr, nullptr, state.prefs, state.dir, current, clock},
+          printing_(std::move(printing))
     {
     }
     ~LogbookLink() override
@@ -50,8 +51,13 @@ public:
         context_.logbook = state_.logbookDb.get();
         context_.objectDb = state_.objectDb.get();
         context_.dir = state_.dir;
-        if (!entry_)
+        if (!entry_) {
             entry_ = new logbook::ui::frmLogEntryNew(context_, &window_);
+            entry_->printReport = [this](int number) {
+                if (printing_.entryReport)
+                    printing_.entryReport(number, entry_->Model());
+            };
+        }
         entry_->Open(mode);
     }
 
@@ -134,6 +140,14 @@ public:
             logView_ = new logbook::ui::ctlLogSpread(context_, page);
             layout->addWidget(logView_);
             logView_->openEntry = [this] { Open("R"); };
+            logView_->printLog = [this] {
+                if (printing_.logGrid)
+                    printing_.logGrid(logView_->Model());
+            };
+            logView_->printNotes = [this](const std::string& title, const std::string& notes) {
+                if (printing_.logNotes)
+                    printing_.logNotes(logView_->Model(), title, notes);
+            };
             logView_->showCount = [this](const std::string& text) {
                 window_.lblNOM->setText(QString::fromStdString(text));
             };
@@ -155,6 +169,7 @@ private:
     spread::frmMainScreen& window_;
     spread::AppState& state_;
     logbook::LogContext context_;
+    LogbookPrinting printing_;
     QPointer<logbook::ui::frmLogEntryNew> entry_;
     QPointer<logbook::ui::frmOutsideMain> outside_;
     QPointer<logbook::ui::ctlLogSpread> logView_;
@@ -163,9 +178,9 @@ private:
 } // namespace
 
 void WireLogbook(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                 const astro::Clock& clock, data::CurrentObject& current)
+                 const astro::Clock& clock, data::CurrentObject& current, LogbookPrinting printing)
 {
-    auto* link = new LogbookLink(window, state, ui, clock, current);
+    auto* link = new LogbookLink(window, state, ui, clock, current, std::move(printing));
     spread::CommandDispatcher& dispatcher = window.Dispatcher();
     dispatcher.SetAction("tolLogbook", [link] { link->Open("N"); });
     dispatcher.SetAction("mnueditlog", [link] { link->Open("N"); });

@@ -7,6 +7,13 @@
 #include "astro/ObservingClock.h"
 #include "data/CurrentObject.h"
 
+#include <functional>
+#include <string>
+
+namespace logbook {
+class LogEntryForm;
+class LogSpread;
+} // namespace logbook
 namespace services {
 class UiPort;
 }
@@ -20,6 +27,18 @@ namespace app {
 // The grid column whose click logs the row's object ("obs").
 inline constexpr int kObsCol = 3;
 
+// What the logbook windows print through: the entry window's reports of its open entry (134,
+// 18, 19, 20), and the log view's printout of its grid and of one item's notes. An unset one
+// prints nothing.
+struct LogbookPrinting
+{
+    std::function<void(int number, logbook::LogEntryForm& entry)> entryReport;
+    std::function<void(logbook::LogSpread& view)> logGrid;
+    std::function<void(logbook::LogSpread& view, const std::string& title,
+                       const std::string& notes)>
+        logNotes;
+};
+
 // Gives the main window its logbook commands.
 // Given: window, whose dispatcher takes the keys and whose grid tabs take the column-3 click;
 //   state, whose databases are looked up at each command, so that a database opened or
@@ -28,6 +47,7 @@ inline constexpr int kObsCol = 3;
 // Notes: the entry window is made on first use and lives as long as the main window. Without
 //   an open logbook and object database the commands do nothing.
 void WireLogbook(spread::frmMainScreen& window, spread::AppState& state, services::UiPort& ui,
-                 const astro::Clock& clock, data::CurrentObject& current);
+                 const astro::Clock& clock, data::CurrentObject& current,
+                 LogbookPrinting printing = {});
 
 } // namespace app

@@ -30,6 +30,9 @@ struct ReportArgs
     int number = 0;
     bool quick = false;
     std::optional<std::string> pdf, sql, plan, obsPlan, sort, notesSql, objectId, text;
+    std::optional<std::string> logType, logSql; // reports 3 and 30
+    reports::SortSelection sortSelection;       // report 88
+    int sortKeys = 0;
     bool build = false;
     bool landscape = false;
     bool chartOpen = false;
@@ -44,8 +47,9 @@ struct ReportArgs
 ReportArgs ParseReportArgs(const std::vector<std::string>& args)
 {
     static const std::set<std::string> valued{
-        "--pdf",      "--sql",  "--plan",      "--row",       "--paper", "--answer", "--input",
-        "--obs-plan", "--sort", "--notes-sql", "--object-id", "--text",  "--entry"};
+        "--pdf",   "--sql",      "--plan",    "--row",       "--paper",     "--answer",
+        "--input", "--obs-plan", "--sort",    "--notes-sql", "--object-id", "--text",
+        "--entry", "--log-type", "--log-sql", "--sort-by",   "--like"};
     ReportArgs a;
     const auto fail = [&a](std::string error) {
         a.error = std::move(error);
@@ -98,6 +102,21 @@ ReportArgs ParseReportArgs(const std::vector<std::string>& args)
             a.answers.push_back(value == "yes");
         } else if (word == "--input") {
             a.inputs.push_back(value);
+        } else if (word == "--sort-by") {
+            if (a.sortKeys == 3)
+                return fail("--sort-by takes up to three columns");
+            const std::size_t colon = value.rfind(':');
+            const bool descending = colon != std::string::npos && value.substr(colon + 1) == "desc";
+            const std::string column = descending ? value.substr(0, colon) : value;
+            if (column.empty())
+                return fail("--sort-by takes COLUMN[:desc], not \"" + value + "\"");
+            a.sortSelection.column[static_cast<std::size_t>(a.sortKeys)] = column;
+            a.sortSelection.descending[static_cast<std::size_t>(a.sortKeys)] = descending;
+            ++a.sortKeys;
+        } else if (word == "--like") {
+            a.sortSelection.like = value;
+        } else if (word == "--log-type" || word == "--log-sql") {
+            (word == "--log-type" ? a.logType : a.logSql) = value;
         } else {
             if (word == "--sql" || word == "--plan")
                 ++lists;
@@ -114,6 +133,8 @@ ReportArgs ParseReportArgs(const std::vector<std::string>& args)
     }
     if (lists > 1)
         return fail("give one of --sql, --build and --plan");
+    if (a.logType && a.logSql)
+        return fail("give one of --log-type and --log-sql");
     if (!a.pdf)
         return fail("report needs --pdf FILE");
     return a;
@@ -221,6 +242,24 @@ int RunReportCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         context.entry = &*entry;
     }
 
+    // The log spreadsheet of reports 3 and 30, loaded from the log type box or the query
+    // override; 30 loads it again itself, as its refresh does.
+    std::optional<logbook::LogSpread> logView;
+    if (a.number == 3 || a.number == 30) {
+        if (!LogbookOpen(TMM))
+            return 1;
+        logView.emplace(logContext);
+        logView->Init();
+        if (a.logType) {
+            logView->cboLogTypeFilter = *a.logType;
+            logView->SQLFromEntry();
+        }
+        logView->queryOverride = a.logSql.value_or("");
+        if (a.number == 3 && !logView->LoadTheGrid())
+            return 1;
+        context.logSpread = &*logView;
+    }
+
     reports::PainterSurface surface;
     surface.SetPaper(a.paper);
     if (a.quick) {
@@ -233,6 +272,7 @@ int RunReportCommand(spread::AppState& TMM, const spread::LoadFormResult& start,
         window.ObjectIDToPrint(a.objectId.value_or(""));
         window.RichTextToPrint(context.windowText);
         window.NotesSQL(a.notesSql.value_or(logbook::LogSpreadSql(logbook::ShowAllTypes)));
+        window.sortSelection = a.sortSelection;
         window.chkLand = a.landscape;
         window.Form_Load();
     }

@@ -5,6 +5,7 @@
 #include "reports/ui/frmPlanObs.h"
 #include "reports/ui/frmPrintout.h"
 #include "reports/ui/frmRSU.h"
+#include "reports/ui/frmSortSelection.h"
 #include "reports/ui/frmUserM.h"
 #include "spread/AppState.h"
 #include "spread/StarCharts.h"
@@ -54,10 +55,6 @@ public:
     // Opens the report window on a number, after prepare has handed it its values.
     void Open(int number, const std::function<void(reports::ReportWindow&)>& prepare = {})
     {
-        if (!reports::ReportWindow::Available(number)) {
-            state_.ui.ShowMessage(reports::kNotAvailableYet, reports::kReportCaption, "I");
-            return;
-        }
         const int tab = window_.CurrTab();
         if (tab >= 0 && tab < spread::kSpreadTabs)
             state_.CurrTab = tab;
@@ -124,6 +121,35 @@ public:
         });
     }
 
+    // plogone: the order and filter, then report 88.
+    void LogSingle()
+    {
+        reports::ui::frmSortSelection choice(&window_);
+        const std::optional<reports::SortSelection> selection = choice.Ask();
+        if (!selection)
+            return;
+        Open(88, [&](reports::ReportWindow& report) { report.sortSelection = *selection; });
+    }
+
+    // The log view's printout: report 3 over that view, or its grid as it stands.
+    void LogGrid(logbook::LogSpread& view)
+    {
+        reports::ui::frmPrintout choice("frmNewLogGrid", state_.prefs.printpref, &window_);
+        const std::string answer = choice.Ask();
+        if (answer.empty())
+            return;
+        state_.prefs.printpref = answer;
+        state_.settings.Save("printpref", answer);
+        if (answer == "C") {
+            Open(3, [&view](reports::ReportWindow& report) { report.Context().logSpread = &view; });
+            return;
+        }
+        reports::ReportContext context(state_, clock_);
+        reports::PainterSurface surface;
+        reports::QuickPrintout(LogGridOf(view), surface, context);
+        Print(surface);
+    }
+
     // printlist: the quick printout of the current tab, or the classic database report.
     void Printout()
     {
@@ -141,6 +167,30 @@ public:
         reports::ReportContext context(state_, clock_);
         reports::PainterSurface surface;
         reports::QuickPrintout(state_.grids[static_cast<std::size_t>(tab)], surface, context);
+        Print(surface);
+    }
+
+private:
+    // The log spreadsheet as a grid of the quick printout: its captions, widths and cells.
+    static spread::Grid LogGridOf(const logbook::LogSpread& view)
+    {
+        spread::Grid grid;
+        for (int col = 1; col <= spread::kGridCols; ++col) {
+            const bool used = col <= logbook::kLogSpreadCols;
+            grid.SetHeader(col, used ? logbook::LogSpreadCaptions[col - 1] : "");
+            grid.SetColWidth(col, used ? view.widths[static_cast<std::size_t>(col)] : 0);
+        }
+        for (const logbook::LogSpreadRow& row : view.grdObjectLog) {
+            std::string text;
+            for (std::size_t i = 0; i < row.cells.size(); ++i)
+                text += (i ? "\t" : "") + row.cells[i];
+            grid.AppendRow(text);
+        }
+        return grid;
+    }
+
+    void Print(reports::PainterSurface& surface)
+    {
         QPrinter printer(QPrinter::HighResolution);
         printer.setPageOrientation(QPageLayout::Landscape);
         QPrintDialog dialog(&printer, &window_);
@@ -148,7 +198,6 @@ public:
             surface.PaintTo(printer, 1, surface.PageCount());
     }
 
-private:
     spread::frmMainScreen& window_;
     spread::AppState& state_;
     const astro::Clock& clock_;
@@ -176,7 +225,7 @@ void WireReports(spread::frmMainScreen& window, spread::AppState& state, const a
     open("herschelcert", 7);
     open("herschelcert2", 77);
     open("stat", 8);
-    open("plogone", 88);
+    dispatcher.SetAction("plogone", [commands] { commands->LogSingle(); });
     dispatcher.SetAction("mnuopd", [commands] { commands->PlanDetails(); });
     dispatcher.SetAction("popo", [commands] { commands->PlanObjectsObserved(); });
     dispatcher.SetAction("printlist", [commands] { commands->Printout(); });
@@ -185,6 +234,29 @@ void WireReports(spread::frmMainScreen& window, spread::AppState& state, const a
             report.NotesSQL(logbook::LogSpreadSql(logbook::ShowAllTypes));
         });
     });
+}
+
+LogbookPrinting ReportsOfTheLogbook(spread::frmMainScreen& window, spread::AppState& state,
+                                    const astro::Clock& clock)
+{
+    auto* commands = new ReportCommands(window, state, clock, {});
+    LogbookPrinting printing;
+    printing.entryReport = [commands](int number, logbook::LogEntryForm& entry) {
+        commands->Open(
+            number, [&entry](reports::ReportWindow& report) { report.Context().entry = &entry; });
+    };
+    printing.logGrid = [commands](logbook::LogSpread& view) { commands->LogGrid(view); };
+    printing.logNotes = [commands](logbook::LogSpread& view, const std::string& title,
+                                   const std::string& notes) {
+        commands->Open(1111, [&view, &title, &notes](reports::ReportWindow& report) {
+            report.ObjectIDToPrint(title);
+            report.RichTextToPrint(notes);
+            report.NotesSQL(logbook::LogSpreadSql(
+                view.cboLogTypeFilter == logbook::LogTypeDesignText ? logbook::ShowAllTypes
+                                                                    : view.cboLogTypeFilter));
+        });
+    };
+    return printing;
 }
 
 } // namespace app

@@ -84,7 +84,8 @@ int main(int argc, char* argv[])
     spread::frmMainScreen window(state, ui, windowHooks);
     windowPointer = &window;
     ui.SetParent(&window);
-    app::WireLogbook(window, state, ui, clock, state.current);
+    app::WireLogbook(window, state, ui, clock, state.current,
+                     app::ReportsOfTheLogbook(window, state, clock));
     app::WireBackup(window, state, clock);
     scopeWiring = app::WireScope(window, state, ui, clock, speech);
     ui.SetSpeaker(scopeWiring.Speak);

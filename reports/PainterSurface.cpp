@@ -184,6 +184,7 @@ struct PainterSurface::Impl
     std::string header, footer;
     FontSpec headerFont{"Arial", 8};
     FontSpec font;
+    double spacing = 1; // the line distance as a multiple of the font's
     int penWidth = 1;
 
     std::vector<std::vector<Item>> pages;
@@ -217,10 +218,10 @@ struct PainterSurface::Impl
     // Lines of text from top down, each aligned within [left, left + width]; lines that would
     // reach below clipBottom are left out.
     void Lines(std::vector<Item>& page, const QStringList& lines, const QFont& qfont, double left,
-               double width, double top, Align align, double clipBottom)
+               double width, double top, Align align, double clipBottom, double spacing = 1)
     {
         const QFontMetricsF metrics(qfont, &TwipDevice());
-        const double step = metrics.lineSpacing();
+        const double step = metrics.lineSpacing() * spacing;
         for (const QString& line : lines) {
             if (top + step > clipBottom + 0.5)
                 break;
@@ -270,6 +271,7 @@ void PainterSurface::StartDoc()
     d_->docMargins = d_->margins;
     d_->started = true;
     d_->ended = false;
+    d_->spacing = 1;
     d_->pages.clear();
     d_->NewPage();
 }
@@ -342,10 +344,15 @@ void PainterSurface::SetFont(const FontSpec& font)
     d_->font = font;
 }
 
+void PainterSurface::SetLineSpacing(int percent)
+{
+    d_->spacing = std::clamp(percent, 50, 500) / 100.0;
+}
+
 void PainterSurface::Paragraph(std::string_view text)
 {
     const QFont qfont = MakeFont(d_->font);
-    const double step = QFontMetricsF(qfont, &TwipDevice()).lineSpacing();
+    const double step = QFontMetricsF(qfont, &TwipDevice()).lineSpacing() * d_->spacing;
     const double left = d_->docMargins.left;
     for (const QString& hard : SplitLines(QString::fromUtf8(text.data(), text.size()))) {
         for (const QString& line : WrapLine(hard, qfont, d_->TextWidth())) {
@@ -405,7 +412,8 @@ void PainterSurface::Table(std::string_view format, std::string_view header, con
     if (columns.empty())
         return;
     const QFont qfont = MakeFont(d_->font);
-    const double step = QFontMetricsF(qfont, &TwipDevice()).lineSpacing();
+    const double spacing = d_->spacing;
+    const double step = QFontMetricsF(qfont, &TwipDevice()).lineSpacing() * spacing;
 
     struct Row
     {
@@ -438,7 +446,7 @@ void PainterSurface::Table(std::string_view format, std::string_view header, con
             page.push_back(Box{cell, fill, columns[c].box ? kBoxPen : kHairline});
             d_->Lines(page, row.cells[c], qfont, x + kCellPadding,
                       columns[c].width - 2 * kCellPadding, d_->y + kCellPaddingV, columns[c].align,
-                      bottom);
+                      bottom, spacing);
             x += columns[c].width;
         }
         d_->y = bottom;

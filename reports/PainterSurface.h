@@ -34,6 +34,7 @@ public:
     void SetFooter(std::string_view text) override;
     void SetHeaderFont(std::string_view name, double size) override;
     void SetFont(const FontSpec& font) override;
+    void SetLineSpacing(int percent) override;
     void Paragraph(std::string_view text) override;
     void RichText(std::string_view html) override;
     void Table(std::string_view format, std::string_view header, const TableRows& body,

@@ -200,6 +200,11 @@ void RecordingSurface::SetHeaderFont(std::string_view name, double size)
     calls.push_back("HeaderFont " + std::string(name) + ' ' + Number(size));
 }
 
+void RecordingSurface::SetLineSpacing(int percent)
+{
+    calls.push_back("LineSpacing " + std::to_string(percent));
+}
+
 void RecordingSurface::SetFont(const FontSpec& font)
 {
     std::string line = "Font " + font.name + ' ' + Number(font.size);

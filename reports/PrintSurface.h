@@ -104,6 +104,9 @@ public:
 
     // The font of the text that follows.
     virtual void SetFont(const FontSpec& font) = 0;
+    // The distance of the lines that follow, paragraphs' and table rows', in percent of the
+    // font's own (100: single; StartDoc sets it back to 100).
+    virtual void SetLineSpacing(int percent) = 0;
 
     // A paragraph in the current font, word-wrapped to the margins; CR LF (or LF) break lines.
     // An empty text is one blank line.
@@ -142,8 +145,8 @@ class RecordingSurface : public PrintSurface
 public:
     // "StartDoc", "EndDoc", "NewPage", "Orientation 1", "Paper A4", "Margins 1140 1440 200 500",
     // "Header <text>", "Footer <text>", "HeaderFont Arial 8", "Font Arial 12 B I U" (flags as
-    // set), "Paragraph <text>", "RichText <html>", "Table <format> <header> <body string>"
-    // (colours other than the defaults follow as "h r,g,b b r,g,b"), "PenWidth 1",
+    // set), "LineSpacing 200", "Paragraph <text>", "RichText <html>", "Table <format> <header>
+    // <body string>" (colours other than the defaults follow as "h r,g,b b r,g,b"), "PenWidth 1",
     // "Circle 4000 12350 2000", "DrawPicture WxH left top right bottom" (the image's pixel
     // size), "Pictures n WxH width height gap".
     std::vector<std::string> calls;
@@ -165,6 +168,7 @@ public:
     void SetFooter(std::string_view text) override;
     void SetHeaderFont(std::string_view name, double size) override;
     void SetFont(const FontSpec& font) override;
+    void SetLineSpacing(int percent) override;
     void Paragraph(std::string_view text) override;
     void RichText(std::string_view html) override;
     void Table(std::string_view format, std::string_view header, const TableRows& body,

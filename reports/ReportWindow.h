@@ -32,7 +32,6 @@ namespace reports {
 inline constexpr const char* kReportCaption = "Selvane 2003 Reporting";
 // The left part of every footer.
 inline constexpr const char* kProductLine = "Selvane 2003";
-inline constexpr const char* kNotAvailableYet = "This report is not available yet.";
 inline constexpr const char* kNoRowText = "Please select an object on the spreadsheet first";
 inline constexpr const char* kNoRowTitle = "Invalid Usage";
 
@@ -82,10 +81,8 @@ public:
     ReportWindow(ReportContext& context, PrintSurface& surface);
 
     int ReportNumber = 0;
-    // Whether a number is one of the report table's; whether its report is built in this
-    // version (the log reports and certificates are not yet: they say so).
+    // Whether a number is one of the report table's.
     static bool Known(int number);
-    static bool Available(int number);
     // Whether a report reads the current row of the current tab (12, 15, 16); without one it
     // says so and prints nothing.
     static bool ReadsCurrentRow(int number);

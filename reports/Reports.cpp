@@ -97,11 +97,6 @@ bool ReportWindow::ReadsCurrentRow(int number)
     return number == 12 || number == 15 || number == 16;
 }
 
-bool ReportWindow::Available(int number)
-{
-    return Known(number);
-}
-
 void ReportWindow::Command9_Click()
 {
     spread::AppState& TMM = context_.TMM;

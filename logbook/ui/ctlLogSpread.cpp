@@ -147,6 +147,8 @@ ctlLogSpread::ctlLogSpread(logbook::LogContext& context, QWidget* parent)
     button("tolResetFilter", "Reset Filter", [this] { ResetFilter(); });
     button("tolsorta", "Sort Ascending", [this] { SortCurrentColumn(false); });
     button("tolsortd", "Sort Descending", [this] { SortCurrentColumn(true); });
+    bar->addSpacing(16);
+    cmdPrint = button("pol", "Print", [this] { cmdPrint_Click(); });
     bar->addStretch(1);
 
     sstab1 = new QTabWidget(this);
@@ -297,6 +299,21 @@ void ctlLogSpread::Search()
         sstab1->setCurrentIndex(0);
     };
     search.exec();
+}
+
+void ctlLogSpread::cmdPrint_Click()
+{
+    if (sstab1->currentIndex() == 0) {
+        if (printLog)
+            printLog();
+        return;
+    }
+    const int item = ListView2->indexOfTopLevelItem(ListView2->currentItem());
+    if (sstab1->currentIndex() != 2 || item < 0 ||
+        item >= static_cast<int>(view_.ListView2.size()) || !printNotes)
+        return;
+    const logbook::NotesItem& notes = view_.ListView2[static_cast<std::size_t>(item)];
+    printNotes("Object ID : " + notes.object + " - " + notes.otherId, view_.RichTextBox1);
 }
 
 void ctlLogSpread::SSTab1_Click(int page)

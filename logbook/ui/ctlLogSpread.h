@@ -19,6 +19,7 @@ class QComboBox;
 class QLabel;
 class QLineEdit;
 class QMenu;
+class QPushButton;
 class QTabWidget;
 class QTableView;
 class QTextEdit;
@@ -64,6 +65,13 @@ public:
 
     std::function<void()> openEntry;                        // frmLogEntryNew in mode "R"
     std::function<void(const std::string& text)> showCount; // lblNOM
+    // The printouts of cmdPrint (key pol): the log grid on page 0, and the notes of the chosen
+    // item on the notes page under its title. Unset: nothing is printed.
+    std::function<void()> printLog;
+    std::function<void(const std::string& title, const std::string& notes)> printNotes;
+    // cmdPrint: page 0 the log grid; the notes page the chosen item's notes, titled
+    // "Object ID : <id> - <other id>"; nothing on the images page or without an item.
+    void cmdPrint_Click();
 
     QComboBox* cboLogTypeFilter = nullptr;
     QLineEdit* tolFind = nullptr;
@@ -74,6 +82,7 @@ public:
     QTreeWidget* ListView2 = nullptr;
     QTextEdit* RichTextBox1 = nullptr;
     QMenu* BandPopup = nullptr;
+    QPushButton* cmdPrint = nullptr;
 
 private:
     void ShowGrid();

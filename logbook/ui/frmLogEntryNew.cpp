@@ -407,6 +407,7 @@ QWidget* frmLogEntryNew::BuildEntryFields()
         {&cmdDelete, "cmdDelete", "Delete"},
         {&cmdClear, "cmdClear", "Clear"},
         {&cmdLastEntry, "cmdLastEntry", "Last Entry"},
+        {&cmdPrintSum, "cmdPrintSum", "Print Summary"},
     };
     for (const auto& [button, name, caption] : buttons) {
         *button = new QPushButton(caption, area);
@@ -435,6 +436,7 @@ QWidget* frmLogEntryNew::BuildEntryFields()
     connect(cmdClear, &QPushButton::clicked, this, [this] { Run([this] { form_.cmdClear(); }); });
     connect(cmdLastEntry, &QPushButton::clicked, this,
             [this] { Run([this] { form_.cmdLastEntry_Click(); }); });
+    connect(cmdPrintSum, &QPushButton::clicked, this, [this] { cmdPrintSum_Click(); });
     return area;
 }
 
@@ -617,8 +619,19 @@ QWidget* frmLogEntryNew::RichPage(QTextEdit*& box, const char* name, LogField fi
         action->setObjectName(key);
         connect(action, &QAction::triggered, this, [target, tool = tool] { tool(*target); });
     }
+    bar->addSeparator();
+    QAction* print = bar->addAction("Print");
+    print->setObjectName("print");
+    const int notesReport = field == LogField::RichTextBox1 ? 18
+                            : field == LogField::rchNotes   ? 19
+                                                            : 20;
+    connect(print, &QAction::triggered, this, [this, notesReport] {
+        Run([this, notesReport] {
+            if (printReport)
+                printReport(notesReport);
+        });
+    });
     if (sessionBand) {
-        bar->addSeparator();
         QAction* remove = bar->addAction("Delete");
         remove->setObjectName("delete");
         remove->setToolTip("Delete Session Log Entry");
@@ -888,6 +901,21 @@ void frmLogEntryNew::Run(const std::function<void()>& routine)
     routine();
     ShowModel();
     running_ = false;
+}
+
+void frmLogEntryNew::cmdPrintSum_Click()
+{
+    Run([this] {
+        if (services::vb::Trim(form_.f.txtObjectID).empty() ||
+            services::vb::Trim(form_.f.cboCatalog).empty()) {
+            ctx_.ui.ShowMessage("You must select an existing object or complete the entry of the "
+                                "existing object before it can be printed.",
+                                "ATTENTION", "I");
+            return;
+        }
+        if (printReport)
+            printReport(134);
+    });
 }
 
 void frmLogEntryNew::Search()

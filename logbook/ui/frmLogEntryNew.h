@@ -45,6 +45,13 @@ public:
     // fields, the grid and the chosen entry) and the window is shown and raised.
     void Open(const std::string& mode);
     logbook::LogEntryForm& Model() { return form_; }
+
+    // Prints a report of the open entry: 134 (cmdPrintSum), 18, 19 or 20 (the notes bands'
+    // print tools). Without it the print commands do nothing.
+    std::function<void(int number)> printReport;
+    // cmdPrintSum: the summary when the entry names its object and catalogue, else the
+    // message that it must.
+    void cmdPrintSum_Click();
     // The search window, modal; a search loads the grid with its first statement.
     void Search();
 
@@ -78,6 +85,7 @@ public:
     QPushButton* cmdDelete = nullptr;
     QPushButton* cmdClear = nullptr;
     QPushButton* cmdLastEntry = nullptr;
+    QPushButton* cmdPrintSum = nullptr;
     QCheckBox* chkClear = nullptr;
 
     QTabWidget* vsIndexTab1 = nullptr;

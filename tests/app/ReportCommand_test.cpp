@@ -10,6 +10,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <tuple>
+
 namespace {
 
 using clitest::CliRun;
@@ -89,6 +92,107 @@ TEST_F(ReportCommandTest, NotesOfTheLogbookInTheirOrder)
     ASSERT_NE(older, std::string::npos) << text;
     EXPECT_LT(newer, older);
     EXPECT_NE(text.find("Pelican too"), std::string::npos);
+}
+
+// A report settings file in the program folder: the line spacing, the font, then the columns
+// (index, width in inches) on and the others off.
+void WriteSettings(const QString& path, int columns,
+                   const std::vector<std::pair<int, const char*>>& on)
+{
+    QFile file(path);
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write("\"1\",\"Arial\",9\r\n");
+    for (int i = 0; i < columns; ++i) {
+        const auto found =
+            std::find_if(on.begin(), on.end(), [i](const auto& c) { return c.first == i; });
+        file.write(found != on.end() ? QByteArray("1,\"") + found->second + "\"\r\n"
+                                     : QByteArray("0,\"1\"\r\n"));
+    }
+}
+
+TEST_F(ReportCommandTest, ColumnReportsFromTheirSettingsFiles)
+{
+    // Without its settings file the report stops at the settings window.
+    CliRun run = Report({"2", "--pdf", File("db.pdf")});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_NE(run.err.find("frmRSU.Form_Load"), std::string::npos) << run.err;
+    EXPECT_FALSE(QFile::exists(File("db.pdf")));
+
+    WriteSettings(File("Default.Rpt"), 31, {{3, "1.2"}, {4, "1"}, {14, ".6"}});
+    run = Report({"2", "--pdf", File("db.pdf")});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    std::string text = Poppler("pdftotext", File("db.pdf"), {"-layout"});
+    for (const char* expected : {"Object Id", "Other Id", "Const", "NGC 7089", "M 2", "Page 1"})
+        EXPECT_NE(text.find(expected), std::string::npos) << expected << "\n" << text;
+    EXPECT_EQ(text.find("Decl."), std::string::npos);
+
+    for (const auto& [id, date, type] : {std::tuple{"NGC 224", "10/01/2024", "Default"},
+                                         std::tuple{"NGC 7000", "08/01/2025", "Galaxies"}})
+        ASSERT_EQ(Cli({"log", "add", QString("ObjectID=") + id, "Catalog=2000",
+                       QString("DateObserved=") + date, "TimeObserved=21:00",
+                       QString("LogType=") + type, "ObservationText=Seen | well; twice"})
+                      .exit,
+                  0);
+    WriteSettings(File("default2.Rpl"), 27, {{0, "1.2"}, {2, ".8"}, {15, "1"}});
+    run = Report({"3", "--pdf", File("log.pdf"), "--log-type", "Galaxies"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    text = Poppler("pdftotext", File("log.pdf"), {"-layout"});
+    EXPECT_NE(text.find("NGC 7000"), std::string::npos) << text;
+    EXPECT_EQ(text.find("NGC 224"), std::string::npos) << text;
+    EXPECT_NE(text.find("Log Type"), std::string::npos) << text;
+    run = Report({"30", "--pdf", File("log.pdf"), "--log-sql",
+                  "Select * From Logbook Where ObjectID = 'NGC 224'"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    text = Poppler("pdftotext", File("log.pdf"), {"-layout"});
+    EXPECT_NE(text.find("NGC 224"), std::string::npos) << text;
+    EXPECT_EQ(text.find("NGC 7000"), std::string::npos) << text;
+
+    // The notes box: only the notes, "|" and ";" as written.
+    WriteSettings(File("default2.Rpl"), 27, {{0, "1"}, {3, "1"}});
+    run = Report({"3", "--pdf", File("notes.pdf")});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    text = Poppler("pdftotext", File("notes.pdf"));
+    EXPECT_NE(text.find("Notes For Object : NGC 7000"), std::string::npos) << text;
+    EXPECT_NE(text.find("Seen | well; twice"), std::string::npos) << text;
+
+    EXPECT_EQ(Report({"3", "--pdf", File("x.pdf"), "--log-type", "A", "--log-sql", "B"}).exit, 2);
+}
+
+TEST_F(ReportCommandTest, EntryReportsInTheChosenOrder)
+{
+    for (const auto& [id, date] :
+         {std::tuple{"NGC 224", "10/01/2024"}, std::tuple{"NGC 7000", "08/01/2025"},
+          std::tuple{"M 42", "09/01/2025"}})
+        ASSERT_EQ(Cli({"log", "add", QString("ObjectID=") + id, "Catalog=2000",
+                       QString("DateObserved=") + date, "TimeObserved=21:00",
+                       "LocationObserved=Backyard"})
+                      .exit,
+                  0);
+    CliRun run = Report({"134", "--pdf", File("sum.pdf"), "--entry", "2"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    std::string text = Poppler("pdftotext", File("sum.pdf"), {"-layout"});
+    for (const char* expected : {"Logbook Summary Report For Object NGC 7000", "Object : NGC 7000",
+                                 "Location     Backyard", "CCD LOGBOOK INFO", "OBSERVING NOTES"})
+        EXPECT_NE(text.find(expected), std::string::npos) << expected << "\n" << text;
+
+    run = Report({"88", "--pdf", File("log.pdf"), "--sort-by", "ObjectID:desc", "--like", "NGC*"});
+    ASSERT_EQ(run.exit, 0) << run.err;
+    text = Poppler("pdftotext", File("log.pdf"));
+    const std::size_t first = text.find("Object Observed: NGC 7000");
+    const std::size_t second = text.find("Object Observed: NGC 224");
+    ASSERT_NE(first, std::string::npos) << text;
+    ASSERT_NE(second, std::string::npos) << text;
+    EXPECT_LT(first, second);
+    EXPECT_EQ(text.find("M 42"), std::string::npos);
+    EXPECT_NE(text.find("October"), std::string::npos) << text;
+
+    EXPECT_EQ(Report({"88", "--pdf", File("x.pdf"), "--sort-by", "A", "--sort-by", "B", "--sort-by",
+                      "C", "--sort-by", "D"})
+                  .exit,
+              2);
+    run = Report({"88", "--pdf", File("x.pdf"), "--sort-by", "NoSuchColumn"});
+    EXPECT_EQ(run.exit, 1);
+    EXPECT_FALSE(QFile::exists(File("x.pdf")));
 }
 
 TEST_F(ReportCommandTest, RefusalsLeaveNoFile)

@@ -182,6 +182,25 @@ TEST(frmLogEntryNew, TypedEntryIsAddedUnderTheMainId)
 
 // A location over 50 characters is refused on leaving with the size message, and the focus
 // goes back to it; 50 characters pass and the focus moves on.
+// The summary is refused until the entry names its object and catalogue; the print tools of
+// the three notes bands ask for their notes reports.
+TEST(frmLogEntryNew, PrintCommandsAskForTheirReports)
+{
+    LogWindow s;
+    std::vector<int> printed;
+    s.w().printReport = [&](int number) { printed.push_back(number); };
+    s.Click(s.w().cmdPrintSum);
+    EXPECT_TRUE(printed.empty());
+    EXPECT_EQ(s.LastText(), "You must select an existing object or complete the entry of the "
+                            "existing object before it can be printed.");
+    EXPECT_EQ(s.ui.shown.back().ShortMessage, "ATTENTION");
+    s.AddM31();
+    s.Click(s.w().cmdPrintSum);
+    for (QTextEdit* box : {s.w().RichTextBox1, s.w().rchNotes, s.w().rchNotesccd})
+        s.w().RichBar(box)->findChild<QAction*>("print")->trigger();
+    EXPECT_EQ(printed, (std::vector<int>{134, 18, 19, 20}));
+}
+
 TEST(frmLogEntryNew, RefusedFieldKeepsTheFocus)
 {
     LogWindow s;

@@ -19,6 +19,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPainter>
+#include <QPushButton>
 #include <QRadioButton>
 #include <QStackedWidget>
 #include <QTabWidget>
@@ -152,6 +153,43 @@ TEST(ctlLogSpread, KeysShowTheViewAndItsPages)
 }
 
 // A search from the view loads its first statement there; the type box gives its code.
+// Print on the grid page prints the log grid; on the notes page the chosen item's notes under
+// its object's ids; on the images page nothing.
+TEST(ctlLogSpread, PrintFollowsThePage)
+{
+    Screen s;
+    s.window->ab_ToolClick("tolLogSpread");
+    Settle();
+    logbook::ui::ctlLogSpread* view = s.View();
+    ASSERT_NE(view, nullptr);
+    int grids = 0;
+    std::vector<std::string> notes;
+    view->printLog = [&] { ++grids; };
+    view->printNotes = [&](const std::string& title, const std::string& text) {
+        notes.push_back(title + "|" + text);
+    };
+    view->cmdPrint->click();
+    EXPECT_EQ(grids, 1);
+    view->sstab1->setCurrentIndex(1);
+    view->cmdPrint->click();
+    view->sstab1->setCurrentIndex(2);
+    Settle();
+    view->ListView2->setCurrentItem(nullptr);
+    view->cmdPrint->click();
+    EXPECT_TRUE(notes.empty());
+    int m42 = -1;
+    for (int i = 0; i < view->ListView2->topLevelItemCount(); ++i)
+        if (view->ListView2->topLevelItem(i)->text(0) == "NGC 1976")
+            m42 = i;
+    ASSERT_GE(m42, 0);
+    view->ListView2->setCurrentItem(view->ListView2->topLevelItem(m42));
+    view->cmdPrint->click();
+    ASSERT_EQ(notes.size(), 1u);
+    EXPECT_TRUE(notes[0].starts_with("Object ID : NGC 1976 - ")) << notes[0];
+    EXPECT_NE(notes[0].find("Four stars of the Trapezium"), std::string::npos);
+    EXPECT_EQ(grids, 1);
+}
+
 TEST(frmLogSearch, FindLoadsTheViewWithTheFirstStatement)
 {
     Screen s;

@@ -1,17 +1,24 @@
 // The reports from the main window's keys over the small edition and the built chart data: the
 // plan details and the finder sheet of the selected row previewed in the report window, the
-// refusal of a solar-system row, and the reports of a later version. With
+// refusal of a solar-system row, the certificates' window, the sort choice of report 88 and the
+// printouts of the log view. With
 // SELVANE_SCREENSHOT_DIR naming a folder, the previews are saved there as report-15.png and
 // report-16.png.
 
 #include "app/ChartWiring.h"
 #include "app/ReportWiring.h"
+#include "reports/ui/frmSortSelection.h"
 #include "reports/ui/frmUserM.h"
 #include "data/ObjectFilter.h"
 
 #include "LogbookFolder.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTimer>
 #include <QDir>
 #include <QStatusBar>
 #include <QTableView>
@@ -130,11 +137,53 @@ TEST(ReportWiring, RefusalsOfTheMainWindow)
               "This option is currently not supported for Solar System objects in the observing "
               "plan.");
 
+    // Every report of the menu is built now: the certificate opens its window.
     s.window->ab_ToolClick("herschelcert");
     Settle();
+    EXPECT_NE(s.Report(), nullptr);
+    for (const auto& shown : s.ui.shown)
+        EXPECT_NE(shown.LongMessage, "This report is not available yet.");
+}
+
+// plogone asks for the order first: Cancel opens nothing, OK opens report 88 with the boxes'
+// answer.
+TEST(ReportWiring, LogbookReportAfterItsSortSelection)
+{
+    ReportScreen s;
+    QTimer::singleShot(0, [] {
+        auto* choice =
+            dynamic_cast<reports::ui::frmSortSelection*>(QApplication::activeModalWidget());
+        ASSERT_NE(choice, nullptr);
+        choice->cmdCancel->click();
+    });
+    s.window->ab_ToolClick("plogone");
+    Settle();
     EXPECT_EQ(s.Report(), nullptr);
-    ASSERT_EQ(s.ui.shown.size(), 2u);
-    EXPECT_EQ(s.ui.shown[1].LongMessage, "This report is not available yet.");
+
+    QTimer::singleShot(0, [] {
+        auto* choice =
+            dynamic_cast<reports::ui::frmSortSelection*>(QApplication::activeModalWidget());
+        ASSERT_NE(choice, nullptr);
+        EXPECT_EQ(choice->cboSort[0]->itemText(0), "");
+        choice->cboSort[0]->setCurrentText("DateObserved");
+        choice->chkDesc[0]->setChecked(true);
+        choice->cboSort[2]->setCurrentText("ObjectID");
+        choice->txtObject->setText("NGC*");
+        Save(*choice, "frmSortSelection.png");
+        choice->cmdOK->click();
+    });
+    s.window->ab_ToolClick("plogone");
+    Settle();
+    reports::frmUserM* report = s.Report();
+    ASSERT_NE(report, nullptr);
+    EXPECT_EQ(report->Window().ReportNumber, 88);
+    const reports::SortSelection& chosen = report->Window().sortSelection;
+    EXPECT_EQ(chosen.column, (std::array<std::string, 3>{"DateObserved", "", "ObjectID"}));
+    EXPECT_EQ(chosen.descending, (std::array<bool, 3>{true, false, false}));
+    EXPECT_EQ(chosen.like, "NGC*");
+    EXPECT_GE(report->Surface().PageCount(), 1);
+    report->resize(1000, 760);
+    Save(*report, "report-88.png");
 }
 
 } // namespace

@@ -174,6 +174,32 @@ TEST_F(PainterSurfaceTest, ParagraphsWrapKeepBlanksAndRunOverPages)
     EXPECT_EQ(Count(surface.PageTexts(surface.PageCount()), "after"), 1);
 }
 
+// Double spacing takes twice the room for the same paragraph lines and table rows; the next
+// document starts single-spaced again.
+TEST_F(PainterSurfaceTest, LineSpacingStretchesParagraphsAndRows)
+{
+    const auto pages = [&](int percent, bool table) {
+        surface.StartDoc();
+        if (percent != 0)
+            surface.SetLineSpacing(percent);
+        if (table)
+            surface.Table("<2000;", "Name;",
+                          reports::TableRows(200, std::vector<std::string>{"x"}));
+        else
+            for (int i = 0; i < 300; ++i)
+                surface.Paragraph("line " + std::to_string(i));
+        surface.EndDoc();
+        return surface.PageCount();
+    };
+    const int single = pages(100, false);
+    ASSERT_GE(single, 3);
+    EXPECT_GE(pages(200, false), 2 * single - 1);
+    EXPECT_LE(pages(200, false), 2 * single + 1);
+    EXPECT_EQ(pages(0, false), single);
+    const int rows = pages(100, true);
+    EXPECT_GT(pages(200, true), rows);
+}
+
 TEST_F(PainterSurfaceTest, PdfHasPaperTextAndEmbeddedFonts)
 {
     QTemporaryDir dir;

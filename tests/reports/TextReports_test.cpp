@@ -59,12 +59,13 @@ protected:
     ReportWindow window{context, s};
 };
 
-TEST_F(ReportsFixture, TableRefusesLaterReportsAndOrientsTheSheets)
+TEST_F(ReportsFixture, TableRefusesWithoutItsInputAndOrientsTheSheets)
 {
-    Open(3);
+    // The summary of the entry window without an open entry.
+    Open(134);
     ASSERT_EQ(ui.shown.size(), 1u);
-    EXPECT_EQ(ui.shown[0].Text(), kNotAvailableYet);
-    EXPECT_TRUE(s.calls.empty() || !s.Has("StartDoc"));
+    EXPECT_EQ(ui.shown[0].Text(), "Please open an observation of the logbook first");
+    EXPECT_FALSE(s.Has("StartDoc"));
     // The sheets of the current row, on an empty tab.
     Open(15);
     ASSERT_EQ(ui.shown.size(), 2u);
