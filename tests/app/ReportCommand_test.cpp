@@ -36,6 +36,17 @@ protected:
 
     QString File(const char* name) const { return home.path() + "/" + name; }
 
+    // The settings name report settings files that are not there yet (the program folder's
+    // defaults are always seeded).
+    void SetMissingSettingsFiles()
+    {
+        QFile settings(home.path() + "/s.ini");
+        ASSERT_TRUE(settings.open(QIODevice::Append));
+        settings.write(("defReport=" + File("mine.Rpt") + "\ndefReportL=" + File("mine.Rpl") +
+                        "\n")
+                           .toUtf8());
+    }
+
     // A poppler tool's output for a file.
     static std::string Poppler(const char* tool, const QString& file,
                                const QStringList& options = {})
@@ -113,12 +124,13 @@ void WriteSettings(const QString& path, int columns,
 TEST_F(ReportCommandTest, ColumnReportsFromTheirSettingsFiles)
 {
     // Without its settings file the report stops at the settings window.
+    SetMissingSettingsFiles();
     CliRun run = Report({"2", "--pdf", File("db.pdf")});
     EXPECT_EQ(run.exit, 1);
     EXPECT_NE(run.err.find("frmRSU.Form_Load"), std::string::npos) << run.err;
     EXPECT_FALSE(QFile::exists(File("db.pdf")));
 
-    WriteSettings(File("Default.Rpt"), 31, {{3, "1.2"}, {4, "1"}, {14, ".6"}});
+    WriteSettings(File("mine.Rpt"), 31, {{3, "1.2"}, {4, "1"}, {14, ".6"}});
     run = Report({"2", "--pdf", File("db.pdf")});
     ASSERT_EQ(run.exit, 0) << run.err;
     std::string text = Poppler("pdftotext", File("db.pdf"), {"-layout"});
@@ -133,7 +145,7 @@ TEST_F(ReportCommandTest, ColumnReportsFromTheirSettingsFiles)
                        QString("LogType=") + type, "ObservationText=Seen | well; twice"})
                       .exit,
                   0);
-    WriteSettings(File("default2.Rpl"), 27, {{0, "1.2"}, {2, ".8"}, {15, "1"}});
+    WriteSettings(File("mine.Rpl"), 27, {{0, "1.2"}, {2, ".8"}, {15, "1"}});
     run = Report({"3", "--pdf", File("log.pdf"), "--log-type", "Galaxies"});
     ASSERT_EQ(run.exit, 0) << run.err;
     text = Poppler("pdftotext", File("log.pdf"), {"-layout"});
@@ -148,7 +160,7 @@ TEST_F(ReportCommandTest, ColumnReportsFromTheirSettingsFiles)
     EXPECT_EQ(text.find("NGC 7000"), std::string::npos) << text;
 
     // The notes box: only the notes, "|" and ";" as written.
-    WriteSettings(File("default2.Rpl"), 27, {{0, "1"}, {3, "1"}});
+    WriteSettings(File("mine.Rpl"), 27, {{0, "1"}, {3, "1"}});
     run = Report({"3", "--pdf", File("notes.pdf")});
     ASSERT_EQ(run.exit, 0) << run.err;
     text = Poppler("pdftotext", File("notes.pdf"));
@@ -213,6 +225,7 @@ TEST_F(ReportCommandTest, RefusalsLeaveNoFile)
     EXPECT_NE(run.err.find("Please close your star chart first before running this report"),
               std::string::npos)
         << run.err;
+    SetMissingSettingsFiles();
     run = Report({"3", "--pdf", File("x.pdf")});
     EXPECT_EQ(run.exit, 1);
     run = Report({"13", "--pdf", home.path() + "/no/such/folder/x.pdf"});
