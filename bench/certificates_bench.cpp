@@ -74,7 +74,7 @@ void Seed(const QString& home, int entries)
     log->Execute("Begin");
     for (int n = 1; n <= entries; ++n) {
         const Ids& ids = *kinds[static_cast<std::size_t>(n) % kinds.size()];
-        const auto& [id, catalog] = ids[static_cast<std::size_t>(n * 7) % ids.size()];
+        const auto& [id, catalog] = ids[static_cast<std::size_t>(n) / kinds.size() % ids.size()];
         const std::string date = std::to_string(1995 + n % 30) + "-" + std::to_string(10 + n % 3) +
                                  "-" + std::to_string(10 + n % 19);
         log->Execute("Insert Into Logbook (ObservationNumber, ObjectID, Catalog, DateObserved, "

@@ -33,9 +33,9 @@ protected:
 
     void Log(const char* id, const char* date)
     {
-        const CliRun run =
-            clitest::RunCli(home.path(), {"log", "add", QString("ObjectID=") + id, "Catalog=2000",
-                                          QString("DateObserved=") + date, "TimeObserved=21:00"});
+        const CliRun run = clitest::RunCli(
+            home.path(), {"log", "add", QString("ObjectID=") + id, "Catalog=NGC 2000",
+                          QString("DateObserved=") + date, "TimeObserved=21:00"});
         ASSERT_EQ(run.exit, 0) << run.err;
     }
 
