@@ -145,22 +145,30 @@ struct Certificate
     bool longForm;
 };
 
-// The count of a list's objects in the logbook, by the walk that keeps the first row of each
-// designation.
-int CountKept(Kind kind, data::Database& logbook)
+// The walk of a certificate: keep is called for the first row of each key in the set's order,
+// the rows that follow with the same key are skipped. Returns the rows kept.
+template <typename Keep>
+int WalkFirstRows(data::Recordset& rs, const data::Field& key, services::UiPort& ui, Keep&& keep)
 {
-    data::Recordset rs =
-        logbook.OpenRecordset(kind == Kind::Herschel ? kHerschelSql : kMessierSql, data::Snapshot);
-    const data::Field key = rs.Fields(kind == Kind::Herschel ? "Her" : "MessierNumber");
     int count = 0;
     std::optional<std::string> previous;
-    for (; !rs.Eof(); rs.MoveNext()) {
+    for (int n = 1; !rs.Eof(); rs.MoveNext(), ++n) {
+        if (n % kPumpEvery == 0 && ui.Pump())
+            break;
         if (previous && key.Text() == *previous)
             continue;
         previous = key.Value();
         ++count;
+        keep();
     }
     return count;
+}
+
+// The count of the Herschel objects in the logbook.
+int CountHerschel(data::Database& logbook, services::UiPort& ui)
+{
+    data::Recordset rs = logbook.OpenRecordset(kHerschelSql, data::Snapshot);
+    return WalkFirstRows(rs, rs.Fields("Her"), ui, [] {});
 }
 
 void PrintCertificate(ReportWindow& window, const Certificate& c)
@@ -174,7 +182,7 @@ void PrintCertificate(ReportWindow& window, const Certificate& c)
     data::Recordset rs = logbook.OpenRecordset(sql, data::Snapshot);
     const data::Field key = rs.Fields(herschel ? "Her" : "MessierNumber");
     const data::Field date = rs.Fields("DateObserved");
-    const data::Field id = rs.Fields(herschel ? "ObjectId" : "Logbook.ObjectId");
+    const data::Field id = herschel ? rs.Fields("ObjectId") : data::Field();
     std::optional<data::Field> time, seeing, transparency, equipment, notes;
     if (c.longForm) {
         time = rs.Fields("TimeObserved");
@@ -192,23 +200,15 @@ void PrintCertificate(ReportWindow& window, const Certificate& c)
     s.SetHeader(herschel ? kHerschelHeader : kMessierHeader);
     s.SetFont(font);
 
-    int count = 0;
-    std::optional<std::string> previous;
     std::set<std::string> kept;
-    for (int n = 1; !rs.Eof(); rs.MoveNext(), ++n) {
-        if (n % kPumpEvery == 0 && TMM.ui.Pump())
-            break;
-        if (previous && key.Text() == *previous)
-            continue;
-        previous = key.Value();
-        ++count;
+    const int count = WalkFirstRows(rs, key, TMM.ui, [&] {
         const std::string designation = Designation(c.kind, key);
         kept.insert(designation);
         if (!c.longForm) {
             const std::string on = " on " + ShortDateText(date.Text(), context);
             s.Paragraph(herschel ? "Hersch #:" + designation + ", NGC #: " + Text(id) + on
                                  : designation + on);
-            continue;
+            return;
         }
         s.SetFont({font.name, font.size, true});
         s.Paragraph(std::string(herschel ? "Herschell Object : " : "") + designation +
@@ -220,7 +220,7 @@ void PrintCertificate(ReportWindow& window, const Certificate& c)
         s.Paragraph("Primary Equipment : " + Text(*equipment));
         s.Paragraph("Notes : " + Text(*notes));
         s.Paragraph("");
-    }
+    });
 
     if (window.chkMissing)
         PrintMissing(s, c.kind, logbook, kept, font);
@@ -366,7 +366,7 @@ void Printstat(ReportWindow& window)
     s.Paragraph("2. Messier Objects Observed : " +
                 (messier > 0 ? std::to_string(messier) : std::string("None")));
     s.Paragraph("");
-    const int herschel = CountKept(Kind::Herschel, logbook);
+    const int herschel = CountHerschel(logbook, TMM.ui);
     s.Paragraph("3. Herschel Objects Observed : " +
                 (herschel > 0 ? std::to_string(herschel) : std::string("None")));
     s.Paragraph("");
