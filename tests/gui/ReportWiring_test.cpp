@@ -129,12 +129,20 @@ TEST(ReportWiring, RefusalsOfTheMainWindow)
     EXPECT_EQ(s.ui.shown[0].LongMessage,
               "This option is currently not supported for Solar System objects in the observing "
               "plan.");
+}
 
+TEST(ReportWiring, CertificateOpensWithStillToObserve)
+{
+    ReportScreen s;
     s.window->ab_ToolClick("herschelcert");
     Settle();
-    EXPECT_EQ(s.Report(), nullptr);
-    ASSERT_EQ(s.ui.shown.size(), 2u);
-    EXPECT_EQ(s.ui.shown[1].LongMessage, "This report is not available yet.");
+    reports::frmUserM* report = s.Report();
+    ASSERT_NE(report, nullptr);
+    EXPECT_EQ(report->Window().ReportNumber, 7);
+    EXPECT_TRUE(report->chkMissing->isVisibleTo(report));
+    EXPECT_EQ(report->Surface().PageCount(), 1);
+    EXPECT_TRUE(s.ui.shown.empty());
+    Save(*report, "report-herschel-certificate.png");
 }
 
 } // namespace
