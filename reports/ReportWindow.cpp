@@ -78,6 +78,7 @@ ReportWindow::ReportWindow(ReportContext& context, PrintSurface& surface)
     chkTelrad = p.ShowTelrad;
     chkMW = p.ShowMilky;
     txtCircle = p.ShowCircle == 0 ? "" : std::to_string(p.ShowCircle);
+    chkMissing = p.CertMissing;
 }
 
 void ReportWindow::ObsPlanSort(const std::string& caption)

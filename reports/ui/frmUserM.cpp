@@ -1,5 +1,6 @@
 #include "reports/ui/frmUserM.h"
 
+#include "reports/Certificates.h"
 #include "services/Fault.h"
 #include "services/UiPort.h"
 #include "spread/AppState.h"
@@ -69,6 +70,9 @@ frmUserM::frmUserM(ReportContext& context, QWidget* parent)
     chkLand = new QCheckBox(tr("Landscape"), this);
     chkLand->setObjectName(QStringLiteral("chkLand"));
     options->addWidget(chkLand);
+    chkMissing = new QCheckBox(tr("Still to observe"), this);
+    chkMissing->setObjectName(QStringLiteral("chkMissing"));
+    options->addWidget(chkMissing);
     options->addWidget(new QLabel(tr("From"), this));
     txtFrom = new QLineEdit(this);
     txtFrom->setObjectName(QStringLiteral("txtFrom"));
@@ -164,6 +168,13 @@ frmUserM::frmUserM(ReportContext& context, QWidget* parent)
         ShowControls();
         Preview();
     });
+    connect(chkMissing, &QCheckBox::clicked, this, [this](bool on) {
+        spread::AppState& TMM = window_.Context().TMM;
+        TMM.prefs.CertMissing = on;
+        TMM.settings.Save("CertMissing", on ? "True" : "False");
+        TMM.settings.Sync();
+        Preview();
+    });
 }
 
 frmUserM::~frmUserM() = default;
@@ -180,6 +191,7 @@ void frmUserM::Form_Load()
 void frmUserM::ReadControls()
 {
     window_.chkLand = chkLand->isChecked();
+    window_.chkMissing = chkMissing->isChecked();
     window_.txtFrom = txtFrom->text().toStdString();
     window_.txtTo = txtTo->text().toStdString();
     window_.txtFov = txtFov->text().toStdString();
@@ -194,6 +206,8 @@ void frmUserM::ShowControls()
 {
     chkLand->setChecked(window_.chkLand);
     chkLand->setEnabled(window_.chkLandEnabled);
+    chkMissing->setVisible(ListsMissing(window_.ReportNumber));
+    chkMissing->setChecked(window_.chkMissing);
     txtFrom->setText(QString::fromStdString(window_.txtFrom));
     txtTo->setText(QString::fromStdString(window_.txtTo));
     chartOptions->setVisible(window_.chartOptionsVisible);

@@ -56,6 +56,7 @@ public:
     QPushButton* Command1 = nullptr; // Close
     QPushButton* cmdSavePdf = nullptr;
     QCheckBox* chkLand = nullptr;
+    QCheckBox* chkMissing = nullptr; // "Still to observe", shown for the certificates
     QLineEdit* txtFrom = nullptr;
     QLineEdit* txtTo = nullptr;
     QWidget* chartOptions = nullptr; // the frame of the options below

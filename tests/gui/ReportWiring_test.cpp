@@ -136,13 +136,6 @@ TEST(ReportWiring, RefusalsOfTheMainWindow)
     EXPECT_EQ(s.ui.shown[0].LongMessage,
               "This option is currently not supported for Solar System objects in the observing "
               "plan.");
-
-    // Every report of the menu is built now: the certificate opens its window.
-    s.window->ab_ToolClick("herschelcert");
-    Settle();
-    EXPECT_NE(s.Report(), nullptr);
-    for (const auto& shown : s.ui.shown)
-        EXPECT_NE(shown.LongMessage, "This report is not available yet.");
 }
 
 // plogone asks for the order first: Cancel opens nothing, OK opens report 88 with the boxes'
@@ -184,6 +177,20 @@ TEST(ReportWiring, LogbookReportAfterItsSortSelection)
     EXPECT_GE(report->Surface().PageCount(), 1);
     report->resize(1000, 760);
     Save(*report, "report-88.png");
+}
+
+TEST(ReportWiring, CertificateOpensWithStillToObserve)
+{
+    ReportScreen s;
+    s.window->ab_ToolClick("herschelcert");
+    Settle();
+    reports::frmUserM* report = s.Report();
+    ASSERT_NE(report, nullptr);
+    EXPECT_EQ(report->Window().ReportNumber, 7);
+    EXPECT_TRUE(report->chkMissing->isVisibleTo(report));
+    EXPECT_EQ(report->Surface().PageCount(), 1);
+    EXPECT_TRUE(s.ui.shown.empty());
+    Save(*report, "report-herschel-certificate.png");
 }
 
 } // namespace
