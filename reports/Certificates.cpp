@@ -318,10 +318,8 @@ void Printstat(ReportWindow& window)
     s.Paragraph("");
     long total = 0;
     {
-        // The descriptions are padded to 20 characters, or to the longest one when a
-        // description is longer, so that the counts stand in one column.
-        std::vector<std::pair<std::string, long>> counts;
-        std::size_t width = 20;
+        // A description longer than 20 characters stands whole and pushes its count to the
+        // right.
         data::Recordset types =
             objects.OpenRecordset("Select * From ValidObjectTypes", data::Snapshot);
         const data::Field type = types.Fields("ObjectType");
@@ -331,13 +329,11 @@ void Printstat(ReportWindow& window)
                 CountRows(objects, "Select * From Selvanetable where ObjectType = '" +
                                        vb::QuoteForSql(type.Text()) + "' and Observed = -1");
             total += n;
-            counts.emplace_back(desc.Value(), n);
-            width = std::max(width, counts.back().first.size());
+            s.Paragraph("     " + PadRight(desc.Value(), 20) + " = " +
+                        PadLeft(std::to_string(n), 5));
             if (TMM.ui.Pump())
                 break;
         }
-        for (const auto& [text, n] : counts)
-            s.Paragraph("     " + PadRight(text, width) + " = " + PadLeft(std::to_string(n), 5));
     }
     for (const Body& body : kBodies) {
         data::Recordset rs = logbook.OpenRecordset(
