@@ -334,9 +334,11 @@ void PrintLogSummary(ReportWindow& window)
     for (const std::string& item : f.List1)
         other += (other.empty() ? "" : ", ") + item;
     s.SetFont({"Courier New", 10});
-    const auto lines = [&](const std::vector<std::pair<const char*, std::string>>& items) {
+    // Each label padded to 13 characters.
+    const auto lines = [&](const std::vector<std::pair<std::string, std::string>>& items) {
         for (const auto& [label, value] : items)
-            s.Paragraph(label + value);
+            s.Paragraph(label + std::string(label.size() < 13 ? 13 - label.size() : 0, ' ') +
+                        value);
     };
     lines({{"Object : ", f.txtObjectID},
            {"Other ID     ", f.txtOtherID},

@@ -250,7 +250,7 @@ TEST_F(LogReportsFixture, SummaryOfTheOpenEntry)
         return std::find(p.begin(), p.end(), line) != p.end();
     };
     for (const char* line :
-         {"The core", "Object : NGC 224", "Object Seen  Yes", "Location     Backyard",
+         {"The core", "Object :     NGC 224", "Object Seen  Yes", "Location     Backyard",
           "Short Note   Faint", "CCD LOGBOOK INFO", "Image Name   m31.fit", "Exposure     30s",
           "Dark Frame    Yes", "Flat Field    No", "SESSION NOTES", "OBSERVING NOTES", "Dust lane"})
         EXPECT_TRUE(has(line)) << line;
