@@ -131,15 +131,25 @@ public:
         Open(88, [&](reports::ReportWindow& report) { report.sortSelection = *selection; });
     }
 
+    // frmPrintout for a caller: "C" (classic) or "N" (quick), kept in printpref; empty when
+    // cancelled.
+    std::string AskPrintout(const char* caller)
+    {
+        reports::ui::frmPrintout choice(caller, state_.prefs.printpref, &window_);
+        const std::string answer = choice.Ask();
+        if (!answer.empty()) {
+            state_.prefs.printpref = answer;
+            state_.settings.Save("printpref", answer);
+        }
+        return answer;
+    }
+
     // The log view's printout: report 3 over that view, or its grid as it stands.
     void LogGrid(logbook::LogSpread& view)
     {
-        reports::ui::frmPrintout choice("frmNewLogGrid", state_.prefs.printpref, &window_);
-        const std::string answer = choice.Ask();
+        const std::string answer = AskPrintout("frmNewLogGrid");
         if (answer.empty())
             return;
-        state_.prefs.printpref = answer;
-        state_.settings.Save("printpref", answer);
         if (answer == "C") {
             Open(3, [&view](reports::ReportWindow& report) { report.Context().logSpread = &view; });
             return;
@@ -153,12 +163,9 @@ public:
     // printlist: the quick printout of the current tab, or the classic database report.
     void Printout()
     {
-        reports::ui::frmPrintout choice("frmDSM", state_.prefs.printpref, &window_);
-        const std::string answer = choice.Ask();
+        const std::string answer = AskPrintout("frmDSM");
         if (answer.empty())
             return;
-        state_.prefs.printpref = answer;
-        state_.settings.Save("printpref", answer);
         if (answer == "C") {
             Open(2);
             return;

@@ -74,16 +74,6 @@ std::string Text(const data::Field& field)
     return vb::Trim(field.Text());
 }
 
-// A stored date in the "Long Date" form; any other text as it stands.
-std::string LongDateText(std::string_view stored, const ReportContext& context)
-{
-    const std::string_view day = stored.substr(0, 10);
-    const QDate date =
-        QDate::fromString(QString::fromUtf8(day.data(), static_cast<int>(day.size())), Qt::ISODate);
-    return date.isValid() ? vb::FormatDate(date, "Long Date", data::RegionalOf(context.TMM.prefs))
-                          : std::string(stored);
-}
-
 enum class Kind {
     Herschel,
     Messier,

@@ -168,13 +168,32 @@ TableRows FieldRows(data::Recordset& rs,
     return body;
 }
 
-std::string LongDate(std::string_view stored, const ReportContext& context)
+// The columns of a form that are on, with the table's format (each a boxed cell of the
+// column's alignment and width) and header strings, both ended by ";".
+struct ColumnTable
 {
-    const std::string_view day = stored.substr(0, 10);
-    const QDate date =
-        QDate::fromString(QString::fromUtf8(day.data(), static_cast<int>(day.size())), Qt::ISODate);
-    return date.isValid() ? vb::FormatDate(date, "Long Date", data::RegionalOf(context.TMM.prefs))
-                          : std::string(stored);
+    std::vector<int> shown;
+    std::string format, header;
+};
+
+ColumnTable OnColumns(const ReportForm& form, char (*align)(int index))
+{
+    const std::vector<std::string>& captions = ReportColumnCaptions(form.kind);
+    ColumnTable table;
+    for (int i = 0; i < static_cast<int>(form.columns.size()); ++i) {
+        if (!form.columns[static_cast<std::size_t>(i)].on)
+            continue;
+        if (!table.shown.empty()) {
+            table.format += '|';
+            table.header += '|';
+        }
+        table.shown.push_back(i);
+        table.format += std::string("+") + align(i) + std::to_string(form.WidthTwips(i));
+        table.header += captions[static_cast<std::size_t>(i)];
+    }
+    table.format += ';';
+    table.header += ';';
+    return table;
 }
 
 } // namespace
@@ -192,22 +211,7 @@ void Printdatabasereport(ReportWindow& window)
     PrintSurface& s = window.Surface();
     ColumnFrame(s, "D a t a b a s e  R e p o r t", form, context);
 
-    const std::vector<std::string>& captions = ReportColumnCaptions(SettingsKind::Database);
-    std::vector<int> shown;
-    std::string format, header;
-    for (int i = 0; i < kDatabaseReportColumns; ++i) {
-        if (!form.columns[static_cast<std::size_t>(i)].on)
-            continue;
-        shown.push_back(i);
-        if (!format.empty()) {
-            format += '|';
-            header += '|';
-        }
-        format += std::string("+") + DatabaseAlign(i) + std::to_string(form.WidthTwips(i));
-        header += captions[static_cast<std::size_t>(i)];
-    }
-    format += ';';
-    header += ';';
+    const auto [shown, format, header] = OnColumns(form, DatabaseAlign);
 
     const int tab = std::clamp(TMM.CurrTab, 0, spread::kSpreadTabs - 1);
     const spread::Grid& grid = TMM.grids[static_cast<std::size_t>(tab)];
@@ -255,22 +259,7 @@ void Printlogreport(ReportWindow& window)
         return;
     }
 
-    const std::vector<std::string>& captions = ReportColumnCaptions(SettingsKind::Log);
-    std::vector<int> shown;
-    std::string format, header;
-    for (int i = 0; i < kLogReportColumns; ++i) {
-        if (!form.columns[static_cast<std::size_t>(i)].on)
-            continue;
-        shown.push_back(i);
-        if (!format.empty()) {
-            format += '|';
-            header += '|';
-        }
-        format += "+>" + std::to_string(form.WidthTwips(i));
-        header += captions[static_cast<std::size_t>(i)];
-    }
-    format += ';';
-    header += ';';
+    const auto [shown, format, header] = OnColumns(form, [](int) { return '>'; });
 
     TableRows body;
     for (const logbook::LogSpreadRow& row : rows) {
@@ -455,7 +444,7 @@ void PrintLogSingle(ReportWindow& window)
     for (int n = 1; !rs.Eof(); rs.MoveNext(), ++n) {
         s.SetFont({"Arial", 12, true});
         s.Paragraph("Object Observed: " + Shown(rs, "ObjectID") +
-                    "  Date: " + LongDate(Shown(rs, "DateObserved"), context));
+                    "  Date: " + LongDateText(Shown(rs, "DateObserved"), context));
         s.SetFont(body);
         s.Table("<1800|<5000;", "Desc |Data;",
                 FieldRows(rs,

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <optional>
 
 namespace reports {
 
@@ -49,13 +50,31 @@ std::string PresentDate(const ReportContext& context)
                                    data::RegionalOf(context.TMM.prefs));
 }
 
-std::string ShortDateText(std::string_view stored, const ReportContext& context)
+namespace {
+
+// A stored date: ISO "yyyy-mm-dd", a time may follow.
+std::optional<QDate> StoredDate(std::string_view stored)
 {
     const std::string_view day = stored.substr(0, 10);
     const QDate date =
         QDate::fromString(QString::fromUtf8(day.data(), static_cast<int>(day.size())), Qt::ISODate);
-    return date.isValid() ? services::vb::ShortDate(date, data::RegionalOf(context.TMM.prefs))
-                          : std::string(stored);
+    return date.isValid() ? std::optional<QDate>(date) : std::nullopt;
+}
+
+} // namespace
+
+std::string ShortDateText(std::string_view stored, const ReportContext& context)
+{
+    const std::optional<QDate> date = StoredDate(stored);
+    return date ? services::vb::ShortDate(*date, data::RegionalOf(context.TMM.prefs))
+                : std::string(stored);
+}
+
+std::string LongDateText(std::string_view stored, const ReportContext& context)
+{
+    const std::optional<QDate> date = StoredDate(stored);
+    return date ? services::vb::FormatDate(*date, "Long Date", data::RegionalOf(context.TMM.prefs))
+                : std::string(stored);
 }
 
 std::string DataFooter(const ReportContext& context)

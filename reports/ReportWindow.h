@@ -61,6 +61,8 @@ std::string PresentDate(const ReportContext& context);
 // A stored date (ISO "yyyy-mm-dd", a time may follow) in the regional short date; any other
 // text as it stands.
 std::string ShortDateText(std::string_view stored, const ReportContext& context);
+// The same in the "Long Date" form.
+std::string LongDateText(std::string_view stored, const ReportContext& context);
 // Footers: "<product>||<date>  Page %d" for the data reports, "<product>||Page %d" for the
 // notes and text reports.
 std::string DataFooter(const ReportContext& context);
