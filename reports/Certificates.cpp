@@ -1,6 +1,6 @@
 #include "reports/Certificates.h"
 
-#include "reports/ReportSettings.h"
+#include "reports/ReportSetup.h"
 #include "reports/ReportWindow.h"
 #include "services/Fault.h"
 #include "services/Vb.h"
@@ -9,11 +9,8 @@
 #include <QDate>
 
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <utility>
 #include <vector>
 
@@ -45,21 +42,14 @@ data::Database& ObjectDatabase(spread::AppState& TMM)
 // DSFont and DSSize: the font of the database report's settings file (the file last applied,
 // else the program folder's default). A file that is missing or cannot be read leaves the
 // settings window's design font; the certificates never report the column report's file.
-FontSpec DSFont(const spread::AppState& TMM)
+FontSpec DSFont(spread::AppState& TMM)
 {
-    ReportForm form = DesignForm(SettingsKind::Database);
-    const std::string path =
-        TMM.prefs.defReport.empty() ? TMM.dir.Text(kDefaultRpt) : TMM.prefs.defReport;
-    std::ifstream in(path, std::ios::binary);
-    if (in) {
-        std::ostringstream text;
-        text << in.rdbuf();
-        try {
-            ReadReportForm(text.str(), form);
-        } catch (const services::Fault&) {
-            form = DesignForm(SettingsKind::Database);
-        }
+    ReportSetup setup(SettingsKind::Database, TMM);
+    try {
+        setup.ReadOpeningFile();
+    } catch (const services::Fault&) {
     }
+    const ReportForm& form = setup.form;
     FontSpec font;
     if (!vb::Trim(form.fontName).empty())
         font.name = form.fontName;

@@ -403,11 +403,10 @@ std::string LogSingleOrder(const SortSelection& selection)
 {
     std::string clause;
     for (std::size_t k = 0; k < selection.column.size(); ++k) {
+        // A blank box would give the key "," alone, which is dropped.
         const std::string column = vb::Trim(selection.column[k]);
-        const std::string key = column + (selection.descending[k] ? " Desc," : ",");
-        if (column.empty() || key == ",")
-            continue;
-        clause += key;
+        if (!column.empty())
+            clause += column + (selection.descending[k] ? " Desc," : ",");
     }
     if (!clause.empty() && clause.back() == ',')
         clause.pop_back();

@@ -45,12 +45,15 @@ const char* ReportSetup::WindowName() const
 
 void ReportSetup::Form_Load()
 {
+    services::Trap(TMM_.ui, std::string(WindowName()) + ".Form_Load", [&] { ReadOpeningFile(); });
+}
+
+void ReportSetup::ReadOpeningFile()
+{
     const std::string held = HeldSetting(TMM_.prefs, form.kind);
     const std::string path = held.empty() ? TMM_.dir.Text(DefaultFileName(form.kind)) : held;
-    services::Trap(TMM_.ui, std::string(WindowName()) + ".Form_Load", [&] {
-        ReadReportForm(ReadSettingsFile(path), form);
-        fileName = path;
-    });
+    ReadReportForm(ReadSettingsFile(path), form);
+    fileName = path;
 }
 
 void ReportSetup::cmdNew_Click()

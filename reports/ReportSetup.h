@@ -20,6 +20,9 @@ public:
     // default; a file that cannot be read is reported at "<window>.Form_Load" and the form
     // keeps its design.
     void Form_Load();
+    // The reading behind Form_Load, for a caller that wants the form without the window's
+    // message: throws services::Fault when the file cannot be read; the form is then kept.
+    void ReadOpeningFile();
     // All columns off, their widths empty.
     void cmdNew_Click();
     // The open dialogue ("Open Database Report" / "Open Log Report", filter "*.Rpt" /

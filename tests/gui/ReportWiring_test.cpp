@@ -1,12 +1,13 @@
 // The reports from the main window's keys over the small edition and the built chart data: the
 // plan details and the finder sheet of the selected row previewed in the report window, the
-// refusal of a solar-system row, the certificates' window, the sort choice of report 88 and the
-// printouts of the log view. With
-// SELVANE_SCREENSHOT_DIR naming a folder, the previews are saved there as report-15.png and
-// report-16.png.
+// refusal of a solar-system row, the certificates' window, the sort choice of report 88, the
+// printouts of the log view and Report Setup (Apply stores the file and builds the report
+// again, Close does neither). With SELVANE_SCREENSHOT_DIR naming a folder, the previews are
+// saved there as report-15.png and report-16.png.
 
 #include "app/ChartWiring.h"
 #include "app/ReportWiring.h"
+#include "reports/ui/frmRSU.h"
 #include "reports/ui/frmSortSelection.h"
 #include "reports/ui/frmUserM.h"
 #include "data/ObjectFilter.h"
@@ -18,12 +19,15 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSignalSpy>
 #include <QTimer>
 #include <QDir>
 #include <QStatusBar>
 #include <QTableView>
 
 #include <gtest/gtest.h>
+
+#include <functional>
 
 namespace {
 
@@ -191,6 +195,39 @@ TEST(ReportWiring, CertificateOpensWithStillToObserve)
     EXPECT_EQ(report->Surface().PageCount(), 1);
     EXPECT_TRUE(s.ui.shown.empty());
     Save(*report, "report-herschel-certificate.png");
+}
+
+// Runs action on the settings window once what comes next has shown it modally.
+void OnSetupWindow(std::function<void(reports::frmRSU&)> action)
+{
+    QTimer::singleShot(0, [action = std::move(action)] {
+        auto* setup = dynamic_cast<reports::frmRSU*>(QApplication::activeModalWidget());
+        ASSERT_NE(setup, nullptr);
+        action(*setup);
+    });
+}
+
+TEST(ReportSetupWiring, ApplyStoresTheFileAndBuildsTheReportAgain)
+{
+    ReportScreen s;
+    s.window->ab_ToolClick("logreport");
+    Settle();
+    reports::frmUserM* report = s.Report();
+    ASSERT_NE(report, nullptr);
+    QSignalSpy previews(report->Command9, &QPushButton::clicked);
+    OnSetupWindow([](reports::frmRSU& setup) { setup.cmdClose->click(); });
+    report->ReportS->click();
+    EXPECT_EQ(previews.count(), 0);
+
+    OnSetupWindow([](reports::frmRSU& setup) {
+        EXPECT_EQ(setup.windowTitle().toStdString(), "Logbook Report Setup");
+        setup.Check1[26]->click();
+        setup.cmdApply->click();
+    });
+    report->ReportS->click();
+    EXPECT_EQ(previews.count(), 1);
+    EXPECT_EQ(s.state.prefs.defReportL, s.dir.Text("default2.Rpl"));
+    EXPECT_EQ(s.state.prefs.defReport, "");
 }
 
 } // namespace
